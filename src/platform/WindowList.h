@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/WindowServer.h"
+
+namespace tessaspaces {
+
+/// A window's frame, decorations included, in global coordinates with the origin at the top left of the
+/// primary display, y downwards. A missing component was not reported.
+struct WindowBounds {
+  std::optional<double> x;
+  std::optional<double> y;
+  std::optional<double> width;
+  std::optional<double> height;
+};
+
+/// One entry of the system's window list; an absent field was not reported.
+struct WindowInfo {
+  /// 0 is an ordinary application window; docks, menus, notifications and the like have other layers.
+  std::optional<int> layer;
+  std::optional<std::int32_t> ownerPid;
+  std::optional<WindowID> number;
+  std::optional<std::string> name;
+  std::optional<WindowBounds> bounds;
+};
+
+enum class WindowListOption {
+  all,                           // windows of every desktop
+  onScreenWithoutDesktopElements // what is visible now, without wallpapers and desktop icons
+};
+
+/// The windows that exist, in front-to-back order. Any thread.
+class WindowList {
+ public:
+  virtual ~WindowList() = default;
+  /// Absent when the system gives no answer.
+  virtual std::optional<std::vector<WindowInfo>> copyWindowInfo(WindowListOption option) = 0;
+};
+
+}  // namespace tessaspaces

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Dispatch.h"
+#include "platform/simulated/SimulatedOperation.h"
+#include "platform/simulated/WorldState.h"
+
+namespace tessaspaces {
+
+/// Describes a space to make.
+struct SpaceSetup {
+  std::string name;
+  /// 0 is an ordinary desktop, 4 a full-screen application's space.
+  std::int64_t type = 0;
+  /// Absent: a made-up one, "UUID-" and the id; empty: the space has none, as on X11.
+  std::optional<std::string> uuid;
+};
+
+/// Describes a display to make.
+struct DisplaySetup {
+  /// Also the identifier text; must not be taken.
+  std::string name;
+  Size size{1920, 1080};
+  /// Origin at the first display's top left; absent: right beside the last display.
+  std::optional<Point> topLeft;
+  std::vector<SpaceSetup> spaces{SpaceSetup{}};
+  /// Index into `spaces`.
+  std::size_t current = 0;
+  bool builtIn = false;
+  double scale = 1;
+};
+
+/// Describes a window to make.
+struct WindowSetup {
+  std::string title;
+  std::int32_t pid = 0;
+  /// 0: the space that the first display shows.
+  SpaceID space = 0;
+  /// Frame, origin at the first display's top left.
+  Rect bounds{100, 100, 640, 480};
+  int layer = 0;
+  bool sticky = false;
+  bool desktopElement = false;
+};
+
+/// What the outside sees happen; announced by the platform's signals.
+enum class WorldEvent { spaces, windows, screens, windowManager };
+
+/// The embedded window server's inside: everything that is not this program (the user, other programs, the
+/// hardware) acts through these calls. Space, window and display numbers count up from 1 in the order of
+/// creation. Each change is announced by the platform's signals, from the main queue, once for several
+/// changes in a row. Any thread.
+class SimulatedWorld {
+ public:
+  /// Runs something outside the program once a delay has passed.
+  using Later = std::function<void(Duration, std::function<void()>)>;
+
+  SimulatedWorld(Dispatch& dispatch, Later later);
+
+  // Displays. Names that do not exist are a fatal stop here: the caller made them up.
+  void addDisplay(DisplaySetup setup);
+  /// Its spaces, with their windows, go to the first display that is left.
+  void removeDisplay(std::string_view name);
+  void resizeDisplay(std::string_view name, Size size);
+  void moveDisplay(std::string_view name, Point topLeft);
+  /// `name` mirrors `master` from now on; an empty master ends it.
+  void mirrorDisplay(std::string_view name, std::string_view master);
+
+  // Spaces.
+  SpaceID addSpace(std::string_view display, SpaceSetup setup = {});
+  /// Its windows, and the display when it shows it, go to the space before it (the next one for the first).
+  void removeSpace(SpaceID space);
+  /// Adds spaces to or removes them from the end. At least 1.
+  void setSpaceCount(std::string_view display, std::size_t count);
+  /// The user goes there by the system's own means: faults do not apply.
+  void showSpace(SpaceID space);
+  /// The first space of this name; 0 when there is none.
+  [[nodiscard]] SpaceID spaceNamed(std::string_view name) const;
+  /// The space that the display shows; 0 when there is no such display.
+  [[nodiscard]] SpaceID currentSpace(std::string_view display) const;
+
+  // Windows and applications.
+  /// In front of all others; not focused.
+  WindowID addWindow(WindowSetup setup);
+  void removeWindow(WindowID window);
+  /// Somebody else puts it on one space alone.
+  void placeWindow(WindowID window, SpaceID space);
+  /// The user clicks it: its space is shown, it comes to the front, its application is frontmost.
+  void focusWindow(WindowID window);
+  [[nodiscard]] std::vector<SpaceID> spacesOf(WindowID window) const;
+  /// Replaces an application of the same pid.
+  void addApplication(ApplicationInfo info, ImageRef icon = nullptr);
+  /// Its windows go with it.
+  void removeApplication(std::int32_t pid);
+  /// Without a window being focused; absent: no application is frontmost.
+  void setFrontmost(std::optional<std::int32_t> pid);
+
+  /// Bottom-left origin, as Screens::pointer reports it.
+  void setPointer(Point pointer);
+  /// The window manager's name; absent when none runs any more.
+  void setWindowManager(std::optional<std::string> name);
+
+  /// Changes anything at all, in one step, and announces what differs afterwards.
+  void edit(const std::function<void(WorldState&)>& change);
+  /// What there is now; stays as it is while the world goes on.
+  [[nodiscard]] std::shared_ptr<const WorldState> state() const;
+
+  // Faults and hooks.
+  void setFaults(SimulatedFaults faults);
+  void editFaults(const std::function<void(SimulatedFaults&)>& change);
+  /// Runs `happening` once, just before the next such call is answered: a window that vanishes half-way.
+  void beforeNext(Operation operation, std::function<void()> happening);
+
+  // The call log: what the program asked, in order, as "name(arg, [list], ...)", for instance
+  // "bridgedSetCurrentSpace(left, 2)" or "moveWindowsToManagedSpace([7], 3)". Keeps the last 10000.
+  [[nodiscard]] std::vector<std::string> calls() const;
+  /// The calls of one operation among them.
+  [[nodiscard]] std::vector<std::string> calls(Operation operation) const;
+  [[nodiscard]] bool asked(Operation operation) const { return !calls(operation).empty(); }
+  void clearCalls();
+
+ private:
+  friend class SimulatedPlatform;
+  friend class SimulatedWindowServer;
+  friend class SimulatedDesktop;
+};
+
+}  // namespace tessaspaces

@@ -1,0 +1,63 @@
+#include "hotkeys/HotKeyCenter.h"
+
+#include <limits>
+#include <utility>
+
+#include "base/Fatal.h"
+#include "platform/Platform.h"
+#include "settings/Log.h"
+
+namespace tessaspaces {
+namespace {
+
+/// "PSTR", which tells this program's hot keys from others in the same event stream.
+constexpr std::uint32_t signature = 0x50535452;
+
+}  // namespace
+
+HotKeyCenter& HotKeyCenter::shared() {
+  static HotKeyCenter instance;
+  return instance;
+}
+
+void HotKeyCenter::installHandler() {
+  if (handlerInstalled_) return;
+  platform().hotKeys().setPressHandler([this](HotKeyID pressed) {
+    if (pressed.signature != signature) return;
+    platform().dispatch().async([this, id = pressed.id] { fire(id); });
+  });
+  handlerInstalled_ = true;
+}
+
+bool HotKeyCenter::registerHotKey(KeyCombo combo, const std::string& label, std::function<void()> action) {
+  if (combo.isEmpty()) return false;
+  installHandler();
+  const auto registration = platform().hotKeys().registerHotKey(combo, {signature, nextID_});
+  if (registration.status != HotKeyRegistrar::noError || !registration.handle) {
+    Log::error("HOTKEY: registration '{}' ({}) FAILED, status={}", label, combo.display(), registration.status);
+    failures_.push_back({combo, label, registration.status});
+    return false;
+  }
+  actions_[nextID_] = std::move(action);
+  refs_.push_back(*registration.handle);
+  if (nextID_ == std::numeric_limits<std::uint32_t>::max()) fatal("hot-key ids are used up");
+  ++nextID_;
+  return true;
+}
+
+void HotKeyCenter::unregisterAll() {
+  for (const HotKeyHandle ref : refs_) platform().hotKeys().unregisterHotKey(ref);
+  refs_.clear();
+  actions_.clear();
+  failures_.clear();
+}
+
+void HotKeyCenter::fire(std::uint32_t id) {
+  const auto found = actions_.find(id);
+  if (found == actions_.end()) return;
+  // A copy, since an action may register the set anew and so take itself away.
+  const auto action = found->second;
+  action();
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/HotKeyRegistrar.h"
+
+namespace tessaspaces {
+
+/// A combo that could not be had, for telling the user.
+struct HotKeyFailure {
+  KeyCombo combo;
+  std::string label;
+  /// See HotKeyRegistration::status.
+  std::int32_t status = 0;
+};
+
+/// Registers the global hot keys and runs their actions. Main thread only, but for the platform's press
+/// callback, which just hands the id over to the main thread.
+class HotKeyCenter {
+ public:
+  static HotKeyCenter& shared();
+
+  HotKeyCenter() = default;
+  HotKeyCenter(const HotKeyCenter&) = delete;
+  HotKeyCenter& operator=(const HotKeyCenter&) = delete;
+
+  /// Takes the combo for this program; `label` names it in the log. False, with a line in the log and an
+  /// entry in `failures`, when the platform refuses it; false alone for an empty combo.
+  bool registerHotKey(KeyCombo combo, const std::string& label, std::function<void()> action);
+  /// Gives every combo back and forgets actions and failures. Ids are not used again, so that a press
+  /// still under way cannot run another combo's action.
+  void unregisterAll();
+  /// Runs the action of a registered combo; nothing for an id that is not registered any more.
+  void fire(std::uint32_t id);
+
+  /// What has been refused since the last `unregisterAll`, in order.
+  [[nodiscard]] const std::vector<HotKeyFailure>& failures() const { return failures_; }
+  [[nodiscard]] std::size_t registeredCount() const { return refs_.size(); }
+
+ private:
+  void installHandler();
+
+  std::map<std::uint32_t, std::function<void()>> actions_;
+  std::vector<HotKeyHandle> refs_;
+  std::vector<HotKeyFailure> failures_;
+  std::uint32_t nextID_ = 1;
+  bool handlerInstalled_ = false;
+};
+
+}  // namespace tessaspaces

@@ -1,0 +1,148 @@
+#include "model/HotkeyCommands.h"
+
+#include <utility>
+
+#include "model/DisplayScreens.h"
+#include "model/Snapshot.h"
+#include "model/WindowMoves.h"
+#include "platform/Platform.h"
+#include "settings/Log.h"
+#include "settings/Settings.h"
+
+namespace tessaspaces::Spaces {
+namespace {
+
+std::optional<HotkeyDisplay> desktopsForHotkey() {
+  const auto reading = platform().windowServer().beginRead();
+  const ScreenRef screen = screenWithCursor();
+  const auto uuid = displayUUID(screen);
+  if (!uuid) {
+    Log::error("HOTKEY: no display under the cursor");
+    return std::nullopt;
+  }
+  HotkeyDisplay display{{}, screen, Settings::gridColumns(*uuid), Settings::gridRows(*uuid)};
+  for (auto& desktop : enumerate(WithWindows::no).desktops) {
+    if (desktop->displayUUID == *uuid) display.snap.desktops.push_back(std::move(desktop));
+  }
+  return display;
+}
+
+int count(const HotkeyDisplay& display) { return static_cast<int>(display.snap.desktops.size()); }
+
+/// Finds the display and the desktop it is on: what every move by direction starts from.
+DesktopPlan planFromCurrent() {
+  DesktopPlan plan;
+  auto display = desktopsForHotkey();
+  if (!display) return plan;
+  plan.display = std::move(*display);
+  plan.fromIndex = firstCurrentIndex(plan.display.snap);
+  if (!plan.fromIndex) {
+    Log::error("HOTKEY: could not determine current desktop");
+    plan.outcome = CommandOutcome::noCurrentDesktop;
+    return plan;
+  }
+  plan.outcome = CommandOutcome::ready;
+  return plan;
+}
+
+/// Fills in the target of a plan that knows where it starts; false at the edge of the grid.
+bool stepTo(DesktopPlan& plan, GridDirection direction) {
+  const auto to = neighbor(*plan.fromIndex, direction, count(plan.display), plan.display.columns);
+  if (!to) {
+    plan.outcome = CommandOutcome::atGridEdge;
+    return false;
+  }
+  plan.toIndex = static_cast<int>(*to);
+  plan.target = plan.display.snap.desktops[static_cast<std::size_t>(*to)];
+  return true;
+}
+
+bool hotkeySwitch(const DesktopPlan& plan, std::optional<GridDirection> direction, SwitchCompletion completion) {
+  if (plan.outcome != CommandOutcome::ready) return false;
+  switchAnimated(plan.target, direction, std::move(completion));
+  return true;
+}
+
+}  // namespace
+
+DesktopPlan planSwitchToNeighbor(GridDirection direction) {
+  auto plan = planFromCurrent();
+  if (plan.outcome != CommandOutcome::ready) return plan;
+  if (!stepTo(plan, direction)) {
+    Log::debug("HOTKEY: at grid edge ({}), not switching anywhere", name(direction));
+    return plan;
+  }
+  Log::debug("HOTKEY: change space {} — from position {} to {}", name(direction), *plan.fromIndex, plan.toIndex);
+  return plan;
+}
+
+DesktopPlan planSwitchToDesktop(int number) {
+  const auto reading = platform().windowServer().beginRead();
+  DesktopPlan plan;
+  auto display = desktopsForHotkey();
+  if (!display) return plan;
+  plan.display = std::move(*display);
+  if (number < 1 || number > count(plan.display)) {
+    Log::warning("HOTKEY: desktop number {} doesn't exist (have {})", number, count(plan.display));
+    plan.outcome = CommandOutcome::noSuchDesktop;
+    return plan;
+  }
+  Log::debug("HOTKEY: change space directly to desktop {}", number);
+  plan.outcome = CommandOutcome::ready;
+  plan.toIndex = number - 1;
+  plan.target = plan.display.snap.desktops[static_cast<std::size_t>(plan.toIndex)];
+  plan.fromIndex = currentDesktopIndex(plan.display.snap, plan.target->displayUUID);
+  return plan;
+}
+
+WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
+  WindowMovePlan plan{planFromCurrent(), std::nullopt};
+  if (plan.desktop.outcome != CommandOutcome::ready) return plan;
+  if (!stepTo(plan.desktop, direction)) {
+    Log::debug("HOTKEY: move window — at grid edge ({}), doing nothing", name(direction));
+    return plan;
+  }
+  const auto refuse = [&](CommandOutcome outcome) {
+    plan.desktop.outcome = outcome;
+    plan.desktop.target = nullptr;
+  };
+  if (!movesWindowsNatively()) {
+    Log::warning(
+        "HOTKEY: move window requires yabai (macOS won't otherwise allow moving another app's window between Spaces)");
+    refuse(CommandOutcome::unsupported);
+    return plan;
+  }
+  plan.window = focusedWindow();
+  if (!plan.window) {
+    Log::warning("HOTKEY: move window — no focused window found");
+    refuse(CommandOutcome::noFocusedWindow);
+  }
+  return plan;
+}
+
+bool carryOut(const WindowMovePlan& plan) {
+  const bool moved = move(plan.window->id, plan.desktop.target->spaceID);
+  Log::info("HOTKEY: move window {} to desktop {} {}", plan.window->id, plan.desktop.toIndex + 1,
+            moved ? "OK" : "FAILED");
+  return moved;
+}
+
+bool switchToNeighbor(GridDirection direction, SwitchCompletion completion) {
+  return hotkeySwitch(planSwitchToNeighbor(direction), direction, std::move(completion));
+}
+
+bool switchToDesktop(int number, SwitchCompletion completion) {
+  return hotkeySwitch(planSwitchToDesktop(number), std::nullopt, std::move(completion));
+}
+
+bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion completion) {
+  auto plan = planMoveFocusedWindow(direction);
+  if (plan.desktop.outcome != CommandOutcome::ready) return false;
+  platform().dispatch().background([plan = std::move(plan), completion = std::move(completion)] {
+    const bool moved = carryOut(plan);
+    if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
+  });
+  return true;
+}
+
+}  // namespace tessaspaces::Spaces

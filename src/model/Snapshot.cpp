@@ -1,0 +1,201 @@
+#include "model/Snapshot.h"
+
+#include <algorithm>
+#include <mutex>
+
+#include "bridges/SkyLightBridge.h"
+#include "model/DisplayScreens.h"
+#include "model/SnapshotCaches.h"
+#include "model/WindowMapping.h"
+#include "platform/Platform.h"
+
+namespace tessaspaces::Spaces {
+namespace {
+
+/// Selects spaces of every kind when asking for a window's spaces.
+constexpr int allSpacesMask = 7;
+
+/// From here on the window server offers its own operations and the external one is not asked.
+constexpr OperatingSystemVersion nativeVersion{27, 0};
+
+std::optional<SpaceID> idOf(const ManagedSpace& space) { return space.id64 ? space.id64 : space.managedSpaceID; }
+
+std::vector<DesktopRef> userDesktops(const ManagedDisplay& display) {
+  const std::string displayID = display.displayIdentifier.value_or("");
+  const SpaceID current = display.currentSpace ? display.currentSpace->id64.value_or(0) : 0;
+  const ScreenRef screen = screenForDisplayUUID(displayID);
+  std::vector<DesktopRef> desktops;
+  if (!display.spaces) return desktops;
+  for (const auto& space : *display.spaces) {
+    const auto id = idOf(space);
+    if (!id || space.type.value_or(0) != 0) continue;
+    auto desktop = std::make_shared<DesktopInfo>(*id, displayID);
+    desktop->name = space.name.value_or("");
+    desktop->spaceUUID = space.uuid.value_or("");
+    desktop->isCurrent = *id == current;
+    desktop->screen = screen;
+    desktops.push_back(std::move(desktop));
+  }
+  return desktops;
+}
+
+/// Remembers which desktop the display shows; when it shows none (a full-screen space covers it), marks
+/// the one the user came from with the application that covers it.
+void trackCurrentDesktop(const std::string& displayID, const std::vector<DesktopRef>& desktops) {
+  auto& known = caches();
+  const auto current =
+      std::find_if(desktops.begin(), desktops.end(), [](const auto& desktop) { return desktop->isCurrent; });
+  if (current != desktops.end()) {
+    const std::scoped_lock held(known.lock);
+    known.lastKnownCurrentDesktopKey[displayID] = (*current)->nicknameKey();
+    return;
+  }
+  std::string key;
+  {
+    const std::scoped_lock held(known.lock);
+    const auto remembered = known.lastKnownCurrentDesktopKey.find(displayID);
+    if (remembered == known.lastKnownCurrentDesktopKey.end()) return;
+    key = remembered->second;
+  }
+  const auto covered = std::find_if(desktops.begin(), desktops.end(),
+                                    [&](const auto& desktop) { return desktop->nicknameKey() == key; });
+  if (covered == desktops.end()) return;
+  if (const auto front = platform().applications().frontmost()) {
+    (*covered)->frontmostFullscreenAppName = front->localizedName;
+  }
+}
+
+std::optional<ManagedDisplay> managedDisplay(const std::string& displayUUID) {
+  auto displays = SLS::copyManagedDisplaySpaces();
+  if (!displays) return std::nullopt;
+  const auto match = std::find_if(displays->begin(), displays->end(),
+                                  [&](const auto& display) { return display.displayIdentifier == displayUUID; });
+  if (match == displays->end()) return std::nullopt;
+  return std::move(*match);
+}
+
+struct ActiveSpaces {
+  /// Guards `lastKnownActiveSpaceID`.
+  std::mutex activeSpaceLock;
+  std::map<std::string, SpaceID> lastKnownActiveSpaceID;
+};
+
+ActiveSpaces& activeSpaces() {
+  static ActiveSpaces instance;
+  return instance;
+}
+
+}  // namespace
+
+SpacesSnapshot enumerate(WithWindows withWindows) {
+  SpacesSnapshot snapshot;
+  const auto reading = platform().windowServer().beginRead();
+  const auto displays = SLS::copyManagedDisplaySpaces();
+  if (!displays) return snapshot;
+  for (const auto& display : *displays) {
+    const auto desktops = userDesktops(display);
+    trackCurrentDesktop(display.displayIdentifier.value_or(""), desktops);
+    snapshot.desktops.insert(snapshot.desktops.end(), desktops.begin(), desktops.end());
+  }
+  if (withWindows == WithWindows::yes) {
+    mapWindows(snapshot);
+    assignIcons(snapshot);
+  }
+  return snapshot;
+}
+
+std::vector<WindowID> ids(SpaceID onSpace) { return SLS::copyWindowsOnSpace(onSpace).value_or(std::vector<WindowID>{}); }
+
+std::vector<SpaceID> allSpaceIDs(const std::string& displayUUID) {
+  std::vector<SpaceID> all;
+  const auto display = managedDisplay(displayUUID);
+  if (!display || !display->spaces) return all;
+  for (const auto& space : *display->spaces) {
+    if (const auto id = idOf(space)) all.push_back(*id);
+  }
+  return all;
+}
+
+SpaceID currentSpaceID(const std::string& displayUUID) { return SLS::managedDisplayGetCurrentSpace(displayUUID); }
+
+std::optional<int> currentDesktopIndex(const SpacesSnapshot& snapshot, const std::string& displayUUID) {
+  const auto& desktops = snapshot.desktops;
+  const SpaceID current = currentSpaceID(displayUUID);
+  const auto match = std::find_if(desktops.begin(), desktops.end(),
+                                  [&](const auto& desktop) { return desktop->spaceID == current; });
+  if (match != desktops.end()) return static_cast<int>(match - desktops.begin());
+  return firstCurrentIndex(snapshot);
+}
+
+std::optional<int> firstCurrentIndex(const SpacesSnapshot& snapshot) {
+  const auto& desktops = snapshot.desktops;
+  const auto match =
+      std::find_if(desktops.begin(), desktops.end(), [](const auto& desktop) { return desktop->isCurrent; });
+  if (match == desktops.end()) return std::nullopt;
+  return static_cast<int>(match - desktops.begin());
+}
+
+std::optional<SpaceWindow> focusedWindow() {
+  const auto reading = platform().windowServer().beginRead();
+  const auto front = platform().applications().frontmost();
+  if (!front) return std::nullopt;
+  const auto entries = platform().windowList().copyWindowInfo(WindowListOption::onScreenWithoutDesktopElements);
+  if (!entries) return std::nullopt;
+  const auto match = std::find_if(entries->begin(), entries->end(), [&](const WindowInfo& entry) {
+    return entry.ownerPid == front->pid && entry.layer == 0;
+  });
+  if (match == entries->end() || !match->number || !match->bounds) return std::nullopt;
+  return spaceWindow(*match);
+}
+
+std::set<SpaceID> workspaces(WindowID ofWindow) {
+  const WindowID windows[] = {ofWindow};
+  const auto spaces = SLS::copySpacesForWindows(allSpacesMask, windows).value_or(std::vector<SpaceID>{});
+  return {spaces.begin(), spaces.end()};
+}
+
+bool isCurrentSpaceRestricted(const ScreenRef& screen) {
+  const auto uuid = displayUUID(screen);
+  if (!uuid) return false;
+  const auto display = managedDisplay(*uuid);
+  if (!display || !display->currentSpace || !display->currentSpace->id64 || !display->spaces) return false;
+  const auto current = std::find_if(display->spaces->begin(), display->spaces->end(), [&](const ManagedSpace& space) {
+    return idOf(space) == display->currentSpace->id64;
+  });
+  return current != display->spaces->end() && current->type.value_or(0) != 0;
+}
+
+void rememberActiveSpace(SpaceID space, const std::string& displayUUID) {
+  const std::scoped_lock held(activeSpaces().activeSpaceLock);
+  activeSpaces().lastKnownActiveSpaceID[displayUUID] = space;
+}
+
+std::optional<SpaceID> cachedActiveSpaceID(const std::string& displayUUID) {
+  const std::scoped_lock held(activeSpaces().activeSpaceLock);
+  const auto& known = activeSpaces().lastKnownActiveSpaceID;
+  const auto found = known.find(displayUUID);
+  if (found == known.end()) return std::nullopt;
+  return found->second;
+}
+
+void cacheThumbnail(WindowID window, ImageRef preview) {
+  const std::scoped_lock held(caches().lock);
+  caches().thumbnailCache[window] = std::move(preview);
+}
+
+void forgetEverything() {
+  {
+    const std::scoped_lock held(caches().lock);
+    caches().lastKnownCurrentDesktopKey.clear();
+    caches().thumbnailCache.clear();
+    caches().iconCache.clear();
+  }
+  const std::scoped_lock held(activeSpaces().activeSpaceLock);
+  activeSpaces().lastKnownActiveSpaceID.clear();
+}
+
+bool askYabaiFirst() { return platform().operatingSystemVersion() < nativeVersion; }
+
+bool movesWindowsNatively() { return platform().operatingSystemVersion() >= nativeVersion; }
+
+}  // namespace tessaspaces::Spaces

@@ -1,0 +1,136 @@
+#include "model/Switching.h"
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+#include "bridges/SkyLightBridge.h"
+#include "model/Snapshot.h"
+#include "platform/Platform.h"
+#include "settings/Log.h"
+
+namespace tessaspaces::Spaces {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A bridged switch usually lands within a few milliseconds; half a second is past all hope.
+constexpr int bridgedPolls = 50;
+constexpr Duration bridgedPollInterval = 10ms;
+// The other methods take effect through another program, which needs a moment before the first look.
+constexpr int verifyPolls = 12;
+constexpr Duration verifyInterval = 40ms;
+
+struct LastMethod {
+  /// Guards `name`.
+  std::mutex lastSwitchMethodLock;
+  std::string name;
+};
+
+LastMethod& lastMethod() {
+  static LastMethod instance;
+  return instance;
+}
+
+void setLastSwitchMethod(std::string method) {
+  const std::scoped_lock held(lastMethod().lastSwitchMethodLock);
+  lastMethod().name = std::move(method);
+}
+
+bool verifySwitch(const DesktopInfo& target, const std::string& method) {
+  SpaceID active = 0;
+  bool arrived = false;
+  for (int attempt = 0; attempt < verifyPolls && !arrived; ++attempt) {
+    platform().dispatch().sleep(verifyInterval);
+    active = currentSpaceID(target.displayUUID);
+    arrived = active == target.spaceID;
+  }
+  Log::debug("SWITCH: method '{}' -> active={} target={} {}", method, active, target.spaceID,
+             arrived ? "OK" : "FAILED");
+  setLastSwitchMethod(method);
+  return arrived;
+}
+
+bool switchBridged(const DesktopInfo& target) {
+  auto hiding = allSpaceIDs(target.displayUUID);
+  std::erase(hiding, target.spaceID);
+  if (!SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding)) {
+    Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
+    return false;
+  }
+  for (int attempt = 0; attempt < bridgedPolls; ++attempt) {
+    if (currentSpaceID(target.displayUUID) == target.spaceID) return true;
+    platform().dispatch().sleep(bridgedPollInterval);
+  }
+  Log::warning("SWITCH: bridged switch to {} did not arrive, falling back to gesture", target.spaceID);
+  return false;
+}
+
+/// Activating an application makes the system show a desktop with a window of it.
+bool switchByActivation(const DesktopInfo& target) {
+  if (target.windows.empty()) return false;
+  const auto application = platform().applications().running(target.windows.front().pid);
+  if (!application) return false;
+  Log::debug("SWITCH: trying to activate app '{}' (pid {}) which has a window on target", application->localizedName,
+             application->pid);
+  platform().dispatch().sync([pid = application->pid] { platform().applications().activate(pid); });
+  return verifySwitch(target, "aktivace aplikace");
+}
+
+bool switchDegraded(const DesktopInfo& target) {
+  SLS::managedDisplaySetCurrentSpace(target.displayUUID, target.spaceID);
+  const SpaceID active = currentSpaceID(target.displayUUID);
+  Log::warning(
+      "SWITCH: DEGRADED via raw SLS (active={}) — windows from the previous desktop may remain visible; yabai is "
+      "needed for a clean switch",
+      active);
+  setLastSwitchMethod("SLS (degraded)");
+  return active == target.spaceID;
+}
+
+bool performSwitchTo(const DesktopInfo& target) {
+  const SpaceID active = currentSpaceID(target.displayUUID);
+  Log::debug("SWITCH: start active={} target={} windowsOnTarget={}", active, target.spaceID, target.windows.size());
+  if (active == target.spaceID) {
+    Log::debug("SWITCH: target already active, doing nothing");
+    setLastSwitchMethod("no-op (already active)");
+    return true;
+  }
+  if (movesWindowsNatively() && switchBridged(target)) {
+    Log::debug("SWITCH: method 'bridged' -> active={} target={} OK", active, target.spaceID);
+    setLastSwitchMethod("bridged");
+    return true;
+  }
+  return switchByActivation(target) || switchDegraded(target);
+}
+
+void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completion) {
+  platform().dispatch().background([desktop, completion = std::move(completion)] {
+    const bool arrived = switchTo(desktop);
+    if (completion) platform().dispatch().async([completion, arrived] { completion(arrived); });
+  });
+}
+
+}  // namespace
+
+bool switchTo(const DesktopRef& desktop) {
+  if (!performSwitchTo(*desktop)) return false;
+  rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
+  return true;
+}
+
+void switchAnimated(const DesktopRef& desktop, std::optional<GridDirection> /*direction*/,
+                    SwitchCompletion completion) {
+  switchToOffMainThread(desktop, std::move(completion));
+}
+
+void switchWithoutOverlay(const DesktopRef& desktop, SwitchCompletion completion) {
+  switchToOffMainThread(desktop, std::move(completion));
+}
+
+std::string lastSwitchMethod() {
+  const std::scoped_lock held(lastMethod().lastSwitchMethodLock);
+  return lastMethod().name;
+}
+
+}  // namespace tessaspaces::Spaces

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/WindowServer.h"
+
+namespace tessaspaces::Spaces {
+
+/// Carries a window to another desktop without switching to it: four methods in a fixed order, and after
+/// each a look at where the window is. True when it ended up on the desktop. Blocks for up to 0.72 s, so it
+/// belongs off the main thread.
+bool move(WindowID window, SpaceID toSpace);
+
+}  // namespace tessaspaces::Spaces

@@ -1,0 +1,182 @@
+#include <gmock/gmock.h>
+
+#include "model/Snapshot.h"
+#include "model/Switching.h"
+#include "model/WindowMoves.h"
+#include "support/CoreTest.h"
+
+namespace tessaspaces {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Switching : public CoreTest {
+ protected:
+  /// Desktop B of the left display, with the windows of a snapshot.
+  DesktopRef target() {
+    const auto snapshot = Spaces::enumerate();
+    for (const auto& desktop : snapshot.desktops) {
+      if (desktop->name == "B") return desktop;
+    }
+    return nullptr;
+  }
+  bool switchToB() {
+    const auto desktop = target();
+    (void)takeLog();
+    world().clearCalls();
+    return Spaces::switchTo(desktop);
+  }
+  void fault(const std::function<void(SimulatedFaults&)>& change) { world().editFaults(change); }
+};
+
+constexpr auto left = "left 960x1080 | A* B [Editor] C ; right 960x1080 | X*";
+
+TEST_F(Switching, TheBridgedOperationIsTheFirstAndCleanest) {
+  start(left);
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "bridged");
+  EXPECT_EQ(Spaces::cachedActiveSpaceID("left"), 2u);
+  EXPECT_EQ(world().currentSpace("right"), 4u) << "the other display stays where it is";
+  EXPECT_THAT(takeLog(), ElementsAre("[DEBUG] SWITCH: start active=1 target=2 windowsOnTarget=1",
+                                     "[DEBUG] SWITCH: method 'bridged' -> active=1 target=2 OK"));
+  EXPECT_THAT(world().calls(Operation::bridgedShowSpaces), ElementsAre("bridgedShowSpaces([2])"));
+  EXPECT_THAT(world().calls(Operation::bridgedHideSpaces), ElementsAre("bridgedHideSpaces([1, 3])"));
+  EXPECT_FALSE(world().asked(Operation::activate));
+  EXPECT_FALSE(world().asked(Operation::managedDisplaySetCurrentSpace));
+}
+
+TEST_F(Switching, AnActiveTargetIsLeftAlone) {
+  start(left);
+  world().showSpace(2);
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "no-op (already active)");
+  EXPECT_THAT(takeLog(), ElementsAre("[DEBUG] SWITCH: start active=2 target=2 windowsOnTarget=1",
+                                     "[DEBUG] SWITCH: target already active, doing nothing"));
+  EXPECT_FALSE(world().asked(Operation::bridgedShowSpaces));
+}
+
+TEST_F(Switching, ALateArrivalIsWaitedForAndALaterOneIsNot) {
+  start(left);
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedSetCurrentSpace] = 480ms; });
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "bridged");
+
+  world().showSpace(1);
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedSetCurrentSpace] = 5s; });
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "aktivace aplikace");
+  EXPECT_THAT(takeLog(), Contains("[WARNING] SWITCH: bridged switch to 2 did not arrive, falling back to gesture"));
+}
+
+TEST_F(Switching, WithoutTheBridgeAnApplicationOnTheTargetIsActivated) {
+  start(left);
+  fault([](SimulatedFaults& faults) { faults.refuseBridged(); });
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "aktivace aplikace");
+  EXPECT_THAT(takeLog(),
+              ElementsAre("[DEBUG] SWITCH: start active=1 target=2 windowsOnTarget=1",
+                          "[WARNING] SWITCH: bridged operation unavailable, falling back to gesture",
+                          "[DEBUG] SWITCH: trying to activate app 'Editor' (pid 1001) which has a window on target",
+                          "[DEBUG] SWITCH: method 'aktivace aplikace' -> active=2 target=2 OK"));
+}
+
+TEST_F(Switching, TheFirstRefusalEndsTheBridgedSequence) {
+  start(left);
+  fault([](SimulatedFaults& faults) { faults.unavailable = {Operation::bridgedSetCurrentSpace}; });
+  EXPECT_TRUE(switchToB());
+  EXPECT_TRUE(world().asked(Operation::bridgedShowSpaces));
+  EXPECT_FALSE(world().asked(Operation::bridgedHideSpaces));
+}
+
+TEST_F(Switching, TheCrudeWayComesLastAndItsResultCounts) {
+  start(left);
+  fault([](SimulatedFaults& faults) {
+    faults.refuseBridged();
+    faults.ignored = {Operation::activate};
+  });
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "SLS (degraded)");
+  const auto log = takeLog();
+  EXPECT_THAT(log, Contains("[DEBUG] SWITCH: method 'aktivace aplikace' -> active=1 target=2 FAILED"));
+  EXPECT_EQ(log.back(),
+            "[WARNING] SWITCH: DEGRADED via raw SLS (active=2) — windows from the previous desktop may remain visible; "
+            "yabai is needed for a clean switch");
+
+  world().showSpace(1);
+  Spaces::forgetEverything();
+  fault([](SimulatedFaults& faults) { faults.landsOn[Operation::managedDisplaySetCurrentSpace] = 3; });
+  EXPECT_FALSE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "SLS (degraded)");
+  EXPECT_THAT(takeLog().back(), HasSubstr("(active=3)"));
+  EXPECT_EQ(Spaces::cachedActiveSpaceID("left"), std::nullopt) << "only an arrival is remembered";
+}
+
+TEST_F(Switching, ATargetWithoutWindowsHasNothingToActivate) {
+  start("left 960x1080 | A* B");
+  fault([](SimulatedFaults& faults) { faults.refuseBridged(); });
+  EXPECT_TRUE(switchToB());
+  EXPECT_FALSE(world().asked(Operation::activate));
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "SLS (degraded)");
+}
+
+TEST_F(Switching, OldSystemsAreNotAskedForNewOperations) {
+  start(left, {26, 4});
+  EXPECT_TRUE(switchToB());
+  EXPECT_EQ(Spaces::lastSwitchMethod(), "aktivace aplikace");
+  for (const auto& call : world().calls()) EXPECT_THAT(call, testing::Not(testing::StartsWith("bridged")));
+  EXPECT_TRUE(Spaces::askYabaiFirst());
+}
+
+TEST_F(Switching, RunsOffTheMainThreadAndReportsOnIt) {
+  start(left);
+  const auto desktop = target();
+  fault([](SimulatedFaults& faults) { faults.refuseBridged(); });
+  std::vector<std::string> events;
+  Spaces::switchWithoutOverlay(desktop, [&](bool arrived) {
+    events.push_back(arrived && platform().dispatch().isMainThread() ? "arrived" : "wrong");
+  });
+  EXPECT_EQ(world().currentSpace("left"), 1u) << "nothing happens before the caller has returned";
+  sim->time().runUntilIdle();
+  EXPECT_THAT(events, ElementsAre("arrived"));
+  EXPECT_EQ(world().currentSpace("left"), 2u);
+}
+
+TEST_F(Switching, EachWayToMoveAWindowIsTriedInTurn) {
+  const char* methods[] = {"SLSBridgedMoveWindowsToManagedSpaceOperation", "SLSMoveWindowsToManagedSpace",
+                           "SLSSetWindowListWorkspace (compat ID)", "SLSAddWindowsToSpaces+SLSRemoveWindowsFromSpaces"};
+  for (int ignored = 0; ignored <= 4; ++ignored) {
+    SCOPED_TRACE(ignored);
+    start("left 960x1080 | A* [Editor] B");
+    const WindowID window = Spaces::ids(1).at(0);
+    fault([&](SimulatedFaults& faults) { faults.ignoreMoveMethods(ignored); });
+    (void)takeLog();
+    EXPECT_EQ(Spaces::move(window, 2), ignored < 4);
+    EXPECT_EQ(world().spacesOf(window), std::vector<SpaceID>{ignored < 4 ? 2u : 1u});
+    const std::string id = std::to_string(window);
+    EXPECT_THAT(takeLog(),
+                ElementsAre(ignored < 4
+                                ? "[INFO] MOVE OK [" + id + "] -> space 2 VIA " + methods[ignored]
+                                : "[ERROR] MOVE FAILED [" + id + "] -> space 2 (likely SIP / newer macOS)"));
+    const auto compat = world().calls(Operation::spaceSetCompatID);
+    if (ignored >= 2) {
+      EXPECT_EQ(compat.back(), "spaceSetCompatID(2, 0)");
+    } else {
+      EXPECT_THAT(compat, IsEmpty());
+    }
+  }
+}
+
+TEST_F(Switching, AWindowThatIsGoneFailsEveryCheck) {
+  start("left 960x1080 | A* [Editor] B");
+  const WindowID window = Spaces::ids(1).at(0);
+  world().beforeNext(Operation::bridgedMoveWindows, [&] { world().removeWindow(window); });
+  EXPECT_FALSE(Spaces::move(window, 2));
+  EXPECT_TRUE(world().asked(Operation::removeWindowsFromSpaces));
+}
+
+}  // namespace
+}  // namespace tessaspaces

@@ -23,10 +23,50 @@ enum class Kind {
   assignment,  // a desktop's identifier (text) or number (integer)
 };
 
+/// The settings in the order of the table, which is the order of the import for those that it takes.
+enum class Setting {
+  imageQuality,
+  language,
+  hideMenuBarIcon,
+  logLevel,
+  gridRows,
+  gridColumns,
+  transitionStyle,
+  transitionSpeed,
+  miniGrid,
+  gridZoom,
+  gridZoomSpeed,
+  overviewKeyCode,
+  overviewModifiers,
+  explodeKeyCode,
+  explodeModifiers,
+  gridOpensExploded,
+  circulationEnabled,
+  circulationVertical,
+  circulationJoin,
+  hotkeyChangeSpace,  // the groups in the order of HotkeyGroup
+  hotkeyMoveWindow,
+  hotkeyChangeSpaceDirect,
+  hotCornerTopLeft,  // the corners in the order of HotCorner
+  hotCornerTopRight,
+  hotCornerBottomLeft,
+  hotCornerBottomRight,
+  displayGridRows,
+  displayGridColumns,
+  desktopNickname,
+  appAssignment,
+  diagnosticsEnabled,
+  nextDiagnosticsSend,
+  diagnosticsSentOffset,
+  diagnosticsInstallID,
+  diagnosticsVersionHistory,
+};
+
 /// Whether the import from the system's preferences takes the setting over.
 enum class Import { no, yes };
 
 struct Entry {
+  Setting setting{};
   /// The key; for a setting per item, what comes before the item's identifier.
   std::string_view key;
   Kind kind = Kind::integer;
@@ -49,8 +89,8 @@ struct Entry {
   [[nodiscard]] bool isPerItem() const { return !item.empty(); }
 };
 
-/// Every setting, those of the import first and in its order.
 [[nodiscard]] std::span<const Entry> entries();
+[[nodiscard]] const Entry& entry(Setting setting);
 
 /// The entry of a complete key: a plain setting, or a setting per item with an identifier. Null when there
 /// is none.

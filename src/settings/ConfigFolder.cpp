@@ -1,0 +1,26 @@
+#include "settings/ConfigFolder.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <vector>
+
+namespace tessaspaces {
+
+std::filesystem::path homeDirectory() {
+  if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
+  std::vector<char> buffer(16384);
+  passwd entry{};
+  passwd* found = nullptr;
+  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
+    return found->pw_dir;
+  }
+  return "/";
+}
+
+std::filesystem::path defaultConfigDirectory() {
+  return homeDirectory() / ".config" / "tessaspaces";
+}
+
+}  // namespace tessaspaces

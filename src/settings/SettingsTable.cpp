@@ -20,59 +20,71 @@ constexpr long long spaceKey = 49;
 constexpr long long gKey = 5;
 
 constexpr Entry boolean(Setting setting, std::string_view key, bool defaultValue, std::string_view description) {
-  Entry entry;
-  entry.setting = setting;
-  entry.key = key;
-  entry.kind = Kind::boolean;
-  entry.defaultValue = defaultValue;
-  entry.description = description;
-  return entry;
+  return {
+      .setting = setting, .key = key, .kind = Kind::boolean, .defaultValue = defaultValue, .description = description};
 }
 
 template <SettingEnum E>
 constexpr Entry choice(Setting setting, std::string_view key, E defaultValue, std::string_view description) {
-  Entry entry;
-  entry.setting = setting;
-  entry.key = key;
-  entry.kind = Kind::choice;
-  entry.defaultValue = rawValue(defaultValue);
-  entry.maximum = static_cast<long long>(caseNames<E>.size()) - 1;
-  entry.names = caseNames<E>;
-  entry.description = description;
-  return entry;
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::choice,
+          .defaultValue = rawValue(defaultValue),
+          .maximum = static_cast<long long>(caseNames<E>.size()) - 1,
+          .names = caseNames<E>,
+          .description = description};
 }
 
-constexpr Entry number(Setting setting, std::string_view key, Kind kind, long long defaultValue, long long maximum,
-                       std::string_view description) {
-  Entry entry;
-  entry.setting = setting;
-  entry.key = key;
-  entry.kind = kind;
-  entry.defaultValue = defaultValue;
-  entry.maximum = maximum;
-  entry.description = description;
-  return entry;
+constexpr Entry number(Setting setting, std::string_view key, Default defaultValue, std::string_view description) {
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::integer,
+          .defaultValue = defaultValue,
+          .maximum = maxLong,
+          .description = description};
 }
 
-constexpr Entry modifiers(Setting setting, std::string_view key, std::uint32_t defaultValue,
-                          std::string_view description) {
-  return number(setting, key, Kind::modifiers, defaultValue, maxUnsigned, description);
+constexpr Entry keyCode(Setting setting, std::string_view key, long long defaultValue, std::string_view description) {
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::keyCode,
+          .defaultValue = defaultValue,
+          .maximum = maxUnsigned,
+          .description = description};
 }
 
-constexpr Entry text(Setting setting, std::string_view key, std::string_view description) {
-  Entry entry;
-  entry.setting = setting;
-  entry.key = key;
-  entry.kind = Kind::text;
-  entry.description = description;
-  return entry;
+constexpr Entry modifiers(Setting setting, std::string_view key, long long defaultValue, std::string_view description) {
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::modifiers,
+          .defaultValue = defaultValue,
+          .maximum = maxUnsigned,
+          .description = description};
 }
 
-constexpr Entry gridSide(Setting setting, std::string_view key, long long defaultValue, std::string_view description) {
-  auto entry = number(setting, key, Kind::integer, defaultValue, Settings::maxGridSide, description);
-  entry.minimum = 1;
-  entry.clamps = true;
-  return entry;
+constexpr Entry text(Setting setting, std::string_view key, Default defaultValue, std::string_view description) {
+  return {.setting = setting, .key = key, .kind = Kind::text, .defaultValue = defaultValue, .description = description};
+}
+
+/// Without a default where the side of all displays stands in.
+constexpr Entry gridSide(Setting setting, std::string_view key, Default defaultValue, std::string_view description) {
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::integer,
+          .defaultValue = defaultValue,
+          .minimum = 1,
+          .maximum = Settings::maxGridSide,
+          .clamps = true,
+          .description = description};
+}
+
+constexpr Entry assignment(Setting setting, std::string_view key, std::string_view description) {
+  return {.setting = setting,
+          .key = key,
+          .kind = Kind::assignment,
+          .minimum = 1,
+          .maximum = maxLong,
+          .description = description};
 }
 
 constexpr Entry imported(Entry entry, std::string_view notification = {}) {
@@ -83,30 +95,10 @@ constexpr Entry imported(Entry entry, std::string_view notification = {}) {
 
 constexpr Entry perItem(Entry entry, std::string_view item) {
   entry.item = item;
-  entry.defaultValue = std::monostate();
   return entry;
 }
 
-constexpr Entry withoutDefault(Entry entry) {
-  entry.defaultValue = std::monostate();
-  return entry;
-}
-
-constexpr Entry withDefault(Entry entry, std::string_view defaultValue) {
-  entry.defaultValue = defaultValue;
-  return entry;
-}
-
-constexpr Entry assignments() {
-  auto entry = perItem(text(Setting::appAssignment, "tessaspaces.app.",
-                            "The desktop that an application's windows go to when it is launched: its number, or its "
-                            "identifier"),
-                       "application identifier");
-  entry.kind = Kind::assignment;
-  entry.minimum = 1;
-  entry.maximum = maxLong;
-  return entry;
-}
+constexpr Default none{};
 
 constexpr auto hotkeys = Notifications::hotkeysChanged;
 
@@ -121,8 +113,9 @@ constexpr std::array table{
                      "Hide the icon in the menu bar; starting the program again brings it back"),
              Notifications::menuBarVisibilityChanged),
     imported(choice(Setting::logLevel, "tessaspaces.logLevel", LogLevel::error, "The least important lines to log")),
-    imported(gridSide(Setting::gridRows, "tessaspaces.grid.rows", 3, "Rows of the grid on displays without their own")),
-    imported(gridSide(Setting::gridColumns, "tessaspaces.grid.columns", 4,
+    imported(
+        gridSide(Setting::gridRows, "tessaspaces.grid.rows", 3LL, "Rows of the grid on displays without their own")),
+    imported(gridSide(Setting::gridColumns, "tessaspaces.grid.columns", 4LL,
                       "Columns of the grid on displays without their own")),
     imported(choice(Setting::transitionStyle, "tessaspaces.transition.style", TransitionStyle::slide,
                     "What is shown while desktops are switched")),
@@ -134,14 +127,14 @@ constexpr std::array table{
                      "Zoom out of and into desktops when the overview opens and closes")),
     imported(choice(Setting::gridZoomSpeed, "tessaspaces.transition.gridZoomSpeed", AnimationSpeed::normal,
                     "How fast the overview zooms")),
-    imported(number(Setting::overviewKeyCode, "tessaspaces.hotkey.overview.keyCode", Kind::keyCode, spaceKey,
-                    maxUnsigned, "Key code of the hot key that opens and closes the overview"),
+    imported(keyCode(Setting::overviewKeyCode, "tessaspaces.hotkey.overview.keyCode", spaceKey,
+                     "Key code of the hot key that opens and closes the overview"),
              hotkeys),
     imported(modifiers(Setting::overviewModifiers, "tessaspaces.hotkey.overview.modifiers", comboModifiers,
                        "Modifiers of the hot key that opens and closes the overview"),
              hotkeys),
-    imported(number(Setting::explodeKeyCode, "tessaspaces.hotkey.explode.keyCode", Kind::keyCode, gKey, maxUnsigned,
-                    "Key code of the hot key that switches the overview between its two views"),
+    imported(keyCode(Setting::explodeKeyCode, "tessaspaces.hotkey.explode.keyCode", gKey,
+                     "Key code of the hot key that switches the overview between its two views"),
              hotkeys),
     imported(modifiers(Setting::explodeModifiers, "tessaspaces.hotkey.explode.modifiers", comboModifiers,
                        "Modifiers of the hot key that switches the overview between its two views"),
@@ -172,24 +165,26 @@ constexpr std::array table{
                     "What happens when the pointer enters the bottom left corner")),
     imported(choice(Setting::hotCornerBottomRight, "tessaspaces.hotCorner.3", HotCornerAction::none,
                     "What happens when the pointer enters the bottom right corner")),
-    perItem(gridSide(Setting::displayGridRows, "tessaspaces.grid.rows.", 0, "Rows of the grid on one display"),
+    perItem(gridSide(Setting::displayGridRows, "tessaspaces.grid.rows.", none, "Rows of the grid on one display"),
             "display identifier"),
-    perItem(gridSide(Setting::displayGridColumns, "tessaspaces.grid.columns.", 0, "Columns of the grid on one display"),
-            "display identifier"),
-    perItem(text(Setting::desktopNickname, "tessaspaces.desktopNickname.", "The user's own name for a desktop"),
+    perItem(
+        gridSide(Setting::displayGridColumns, "tessaspaces.grid.columns.", none, "Columns of the grid on one display"),
+        "display identifier"),
+    perItem(text(Setting::desktopNickname, "tessaspaces.desktopNickname.", none, "The user's own name for a desktop"),
             "desktop identifier"),
-    assignments(),
+    perItem(assignment(Setting::appAssignment, "tessaspaces.app.",
+                       "The desktop that an application's windows go to when it is launched"),
+            "application identifier"),
     boolean(Setting::diagnosticsEnabled, "tessaspaces.diagnosticsEnabled", false,
             "Send a diagnostics report from time to time"),
-    withoutDefault(number(Setting::nextDiagnosticsSend, "tessaspaces.nextDiagnosticsSend", Kind::integer, 0, maxLong,
-                          "When the next report is due, in seconds since 1970")),
-    number(Setting::diagnosticsSentOffset, "tessaspaces.diagnosticsSentOffset", Kind::integer, 0, maxLong,
+    number(Setting::nextDiagnosticsSend, "tessaspaces.nextDiagnosticsSend", none,
+           "When the next report is due, in seconds since 1970"),
+    number(Setting::diagnosticsSentOffset, "tessaspaces.diagnosticsSentOffset", 0LL,
            "How much of the log has been reported, in bytes"),
-    text(Setting::diagnosticsInstallID, "tessaspaces.diagnosticsInstallID",
+    text(Setting::diagnosticsInstallID, "tessaspaces.diagnosticsInstallID", none,
          "What tells this installation's reports from others; generated at first use"),
-    withDefault(text(Setting::diagnosticsVersionHistory, "tessaspaces.diagnosticsVersionHistory",
-                     "The versions that have run here"),
-                ""),
+    text(Setting::diagnosticsVersionHistory, "tessaspaces.diagnosticsVersionHistory", std::string_view(),
+         "The versions that have run here"),
 };
 
 constexpr bool isInOrder() {

@@ -65,26 +65,28 @@ enum class Setting {
 /// Whether the import from the system's preferences takes the setting over.
 enum class Import { no, yes };
 
+using Default = std::variant<std::monostate, bool, long long, std::string_view>;
+
 struct Entry {
   Setting setting{};
   /// The key; for a setting per item, what comes before the item's identifier.
-  std::string_view key;
+  std::string_view key{};
   Kind kind = Kind::integer;
   /// What a missing value reads as; no value when there is no default.
-  std::variant<std::monostate, bool, long long, std::string_view> defaultValue;
+  Default defaultValue{};
   /// Bounds of an integer, both inclusive. Stored values outside read as the nearest bound where `clamps`.
   long long minimum = 0;
   long long maximum = 0;
   bool clamps = false;
   /// The names of a choice's values.
-  std::span<const std::string_view> names;
+  std::span<const std::string_view> names{};
   /// What the identifier after the key is, in English ("display UUID"); empty for a plain setting.
-  std::string_view item;
+  std::string_view item{};
   Import import = Import::no;
   /// The notification that announces a change; empty when nothing needs rebuilding.
-  std::string_view notification;
+  std::string_view notification{};
   /// One line of English.
-  std::string_view description;
+  std::string_view description{};
 
   [[nodiscard]] bool isPerItem() const { return !item.empty(); }
 };

@@ -1,12 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/Dispatch.h"
@@ -29,13 +34,15 @@ struct DisplaySetup {
   /// Also the identifier text; must not be taken.
   std::string name;
   Size size{1920, 1080};
-  /// Origin at the first display's top left; absent: right beside the last display.
+  /// Origin at the first display's top left; absent: right beside the last display. The first is at the origin.
   std::optional<Point> topLeft;
   std::vector<SpaceSetup> spaces{SpaceSetup{}};
   /// Index into `spaces`.
   std::size_t current = 0;
   bool builtIn = false;
   double scale = 1;
+  /// Height of a panel at the top, which visibleFrame leaves out.
+  double panelHeight = 0;
 };
 
 /// Describes a window to make.
@@ -55,9 +62,9 @@ struct WindowSetup {
 enum class WorldEvent { spaces, windows, screens, windowManager };
 
 /// The embedded window server's inside: everything that is not this program (the user, other programs, the
-/// hardware) acts through these calls. Space, window and display numbers count up from 1 in the order of
-/// creation. Each change is announced by the platform's signals, from the main queue, once for several
-/// changes in a row. Any thread.
+/// hardware) acts through these calls. Numbers are given in the order of creation: spaces and displays from 1,
+/// windows from 101. Each change is announced by the platform's signals, from the main queue, once for several
+/// changes in a row. Any thread. A display that mirrors another has no spaces of its own to report.
 class SimulatedWorld {
  public:
   /// Runs something outside the program once a delay has passed.
@@ -70,6 +77,7 @@ class SimulatedWorld {
   /// Its spaces, with their windows, go to the first display that is left.
   void removeDisplay(std::string_view name);
   void resizeDisplay(std::string_view name, Size size);
+  /// Not the first: that one is the origin.
   void moveDisplay(std::string_view name, Point topLeft);
   /// `name` mirrors `master` from now on; an empty master ends it.
   void mirrorDisplay(std::string_view name, std::string_view master);
@@ -108,7 +116,7 @@ class SimulatedWorld {
   /// The window manager's name; absent when none runs any more.
   void setWindowManager(std::optional<std::string> name);
 
-  /// Changes anything at all, in one step, and announces what differs afterwards.
+  /// Changes anything at all, in one step, and announces what differs afterwards. `change` does not call the world.
   void edit(const std::function<void(WorldState&)>& change);
   /// What there is now; stays as it is while the world goes on.
   [[nodiscard]] std::shared_ptr<const WorldState> state() const;
@@ -127,10 +135,44 @@ class SimulatedWorld {
   [[nodiscard]] bool asked(Operation operation) const { return !calls(operation).empty(); }
   void clearCalls();
 
+  // For the platform's own interfaces: the program asks.
+  /// Logs a query; false when it is to get no answer.
+  bool ask(Operation operation, std::string_view arguments = {});
+  /// Logs a request and carries it out, now or later, unless a fault says otherwise.
+  void request(Operation operation, std::string_view arguments, std::function<void(WorldState&)> effect);
+  /// What the calling thread reads: the state now, or that of its outermost read scope.
+  [[nodiscard]] std::shared_ptr<const WorldState> view() const;
+  [[nodiscard]] std::unique_ptr<ReadScope> openReadScope();
+  [[nodiscard]] SimulatedFaults faults() const;
+  /// Told on the main thread of what happened. Set once, before anything happens.
+  void setObserver(std::function<void(WorldEvent)> observer) { observer_ = std::move(observer); }
+
  private:
-  friend class SimulatedPlatform;
-  friend class SimulatedWindowServer;
-  friend class SimulatedDesktop;
+  struct Call {
+    Operation operation;
+    std::string text;
+  };
+  struct OpenScope {
+    int depth = 0;
+    std::shared_ptr<const WorldState> state;
+  };
+  class Scope;
+
+  void announce(WorldEvent event);  // with lock_ held
+  void closeReadScope(std::thread::id thread);
+  /// Logs the call and runs what was to happen before it.
+  void record(Operation operation, std::string_view arguments);
+
+  Dispatch& dispatch_;
+  Later later_;
+  std::function<void(WorldEvent)> observer_;
+  mutable std::mutex lock_;  // guards all below; the state itself is replaced, never changed
+  std::shared_ptr<const WorldState> state_ = std::make_shared<WorldState>();
+  SimulatedFaults faults_;
+  std::multimap<Operation, std::function<void()>> beforeNext_;
+  std::deque<Call> calls_;
+  std::set<WorldEvent> announced_;
+  std::map<std::thread::id, OpenScope> scopes_;
 };
 
 }  // namespace tessaspaces

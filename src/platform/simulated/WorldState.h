@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -45,9 +46,10 @@ struct SimulatedDisplay {
   [[nodiscard]] bool has(SpaceID space) const;
 };
 
-/// One window. `reported` is its entry in the window list: a test may blank its fields; `id` stays true.
+/// One window. `reported` is its entry in the window list: a test may blank its fields; `id` and `pid` stay true.
 struct SimulatedWindow {
   WindowID id = 0;
+  std::int32_t pid = 0;
   WindowInfo reported;
   std::vector<SpaceID> spaces;
   /// On every space, whatever `spaces` says.
@@ -65,6 +67,8 @@ struct SimulatedApplication {
 
 /// All that the window server knows: a plain value.
 struct WorldState {
+  /// Absent when no window manager runs.
+  std::optional<std::string> windowManager = "simulated";
   /// The first is the primary one.
   std::vector<SimulatedDisplay> displays;
   /// Front to back.
@@ -74,6 +78,12 @@ struct WorldState {
   std::optional<WindowID> focused;
   /// Bottom-left origin.
   Point pointer;
+  std::map<std::int32_t, SpaceID> compatibilityIDs;
+
+  // The numbers that the next ones get; windows count from 101, so that no test mistakes one for a space.
+  SpaceID nextSpace = 1;
+  WindowID nextWindow = 101;
+  DisplayID nextDisplay = 1;
 
   // Null when there is none.
   [[nodiscard]] SimulatedDisplay* display(std::string_view name);
@@ -81,12 +91,15 @@ struct WorldState {
   [[nodiscard]] SimulatedDisplay* displayOf(SpaceID space);
   [[nodiscard]] const SimulatedDisplay* displayOf(SpaceID space) const;
   [[nodiscard]] SimulatedSpace* space(SpaceID id);
+  [[nodiscard]] const SimulatedSpace* space(SpaceID id) const;
   [[nodiscard]] SimulatedWindow* window(WindowID id);
   [[nodiscard]] const SimulatedWindow* window(WindowID id) const;
   [[nodiscard]] const SimulatedApplication* application(std::int32_t pid) const;
 
   /// The window is on a space that its display shows now.
   [[nodiscard]] bool isVisible(const SimulatedWindow& window) const;
+  /// The display on which the window is: by its space, a sticky one by where it lies. Null when there is none.
+  [[nodiscard]] const SimulatedDisplay* displayOf(const SimulatedWindow& window) const;
 };
 
 }  // namespace tessaspaces

@@ -1,0 +1,99 @@
+#include "platform/x11/DesktopEvents.h"
+
+#include <utility>
+
+#include "platform/x11/Properties.h"
+
+namespace tessaspaces {
+namespace {
+
+void select(Channel& channel, xcb_window_t window, std::uint32_t mask) {
+  channel.send<xcb_change_window_attributes>(window, std::uint32_t{XCB_CW_EVENT_MASK}, &mask);
+}
+
+}  // namespace
+
+void DesktopEvents::start() {
+  auto& channel = connection_.events();
+  select(channel, connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+  channel.flush();
+  managerChanged();
+  watchClients();
+  server_.noteVisibleDesktops();
+}
+
+void DesktopEvents::handle(const xcb_generic_event_t& event) {
+  switch (eventType(event)) {
+    case XCB_PROPERTY_NOTIFY: handleProperty(eventAs<xcb_property_notify_event_t>(event)); break;
+    case XCB_DESTROY_NOTIFY:
+      if (eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
+        managerDirty_ = true;
+        reader_.forget();
+      }
+      break;
+    default: break;
+  }
+}
+
+void DesktopEvents::handleProperty(const xcb_property_notify_event_t& event) {
+  const auto& atoms = connection_.atoms();
+  if (event.window != connection_.root()) {
+    if (event.atom == atoms.netWmDesktop) windowsDirty_ = true;
+    return;
+  }
+  if (event.atom == atoms.netCurrentDesktop) {
+    spacesDirty_ = true;
+  } else if (event.atom == atoms.netNumberOfDesktops || event.atom == atoms.netDesktopNames ||
+             event.atom == atoms.netDesktopViewport) {
+    spacesDirty_ = true;
+    // A window manager that is starting announces itself before its desktops.
+    if (event.atom == atoms.netNumberOfDesktops) managerDirty_ = true;
+    reader_.forget();
+  } else if (event.atom == atoms.netClientList) {
+    clientsDirty_ = true;
+  } else if (event.atom == atoms.netSupportingWmCheck) {
+    managerDirty_ = true;
+    reader_.forget();
+  }
+}
+
+void DesktopEvents::eventsDrained() {
+  const bool manager = std::exchange(managerDirty_, false) && managerChanged();
+  const bool spaces = std::exchange(spacesDirty_, false) || manager;
+  const bool clients = std::exchange(clientsDirty_, false) || manager;
+  const bool windows = std::exchange(windowsDirty_, false) || clients;
+  if (clients) watchClients();
+  if (spaces) server_.noteVisibleDesktops();
+  if (manager) server_.windowManagerChanged.emit();
+  if (spaces) server_.spacesChanged.emit();
+  if (windows) server_.windowsChanged.emit();
+}
+
+void DesktopEvents::watchClients() {
+  // The list alone, without the rest of the root: this runs whenever a window opens or closes.
+  auto& channel = connection_.requests();
+  const auto cookie = askProperty(channel, connection_.root(), connection_.atoms().netClientList);
+  const auto reply = channel.await<xcb_get_property_reply>(cookie);
+  std::set<xcb_window_t> clients;
+  for (const auto window : items(reply)) {
+    clients.insert(window);
+    if (!watched_.contains(window)) select(connection_.events(), window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+  }
+  watched_ = std::move(clients);
+  connection_.events().flush();
+}
+
+bool DesktopEvents::managerChanged() {
+  const auto root = reader_.root(RootDetail::desktops);
+  if (root->checkWindow != XCB_NONE && root->checkWindow != checkWindow_) {
+    // Its end tells that the window manager has gone, however it went.
+    select(connection_.events(), root->checkWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    connection_.events().flush();
+  }
+  const bool changed = root->checkWindow != checkWindow_ || root->managed() != managed_;
+  checkWindow_ = root->checkWindow;
+  managed_ = root->managed();
+  return changed;
+}
+
+}  // namespace tessaspaces

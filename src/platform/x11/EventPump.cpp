@@ -1,0 +1,74 @@
+#include "platform/x11/EventPump.h"
+
+#include <xcb/xproto.h>
+
+namespace tessaspaces {
+namespace {
+
+// The server's time of the events that carry one.
+xcb_timestamp_t timeOf(const xcb_generic_event_t& event) {
+  switch (eventType(event)) {
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE: return eventAs<xcb_key_press_event_t>(event).time;
+    case XCB_PROPERTY_NOTIFY: return eventAs<xcb_property_notify_event_t>(event).time;
+    case XCB_SELECTION_CLEAR: return eventAs<xcb_selection_clear_event_t>(event).time;
+    default: return XCB_CURRENT_TIME;
+  }
+}
+
+}  // namespace
+
+void EventPump::start() {
+  watch_ = dispatch_.watch(xcb_get_file_descriptor(connection_.events().get()), [this] { drain(); });
+  watching_ = true;
+  // What came while the platform was being set up is inside xcb already.
+  drainLater();
+}
+
+void EventPump::stop() {
+  watching_ = false;
+  watch_.reset();
+}
+
+void EventPump::drain() {
+  auto& channel = connection_.events();
+  bool any = true;
+  while (any) {
+    any = false;
+    while (const EventRef event{xcb_poll_for_event(channel.get())}) {
+      any = true;
+      dispatchEvent(*event);
+    }
+    // Listeners may wait for replies here, which can queue more events.
+    if (any) {
+      for (auto* listener : listeners_) listener->eventsDrained();
+    }
+  }
+  channel.flush();
+  if (channel.broken()) {
+    stop();  // a closed descriptor stays readable for ever
+    channel.checkConnection();
+  }
+}
+
+void EventPump::drainLater() {
+  if (drainPending_ || !watching()) return;
+  drainPending_ = true;
+  dispatch_.async([weak = std::weak_ptr(self_)] {
+    const auto self = weak.lock();
+    if (!self) return;
+    (*self)->drainPending_ = false;
+    if ((*self)->watching()) (*self)->drain();
+  });
+}
+
+void EventPump::dispatchEvent(const xcb_generic_event_t& event) {
+  if (event.response_type == 0) {
+    handleError(reinterpret_cast<const xcb_generic_error_t&>(event), connection_.extensions());
+    return;
+  }
+  connection_.noteTime(timeOf(event));
+  for (auto* listener : listeners_) listener->handle(event);
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/Dispatch.h"
+#include "platform/x11/Connection.h"
+
+namespace tessaspaces {
+
+/// A part of the platform that follows events. Main thread.
+class EventListener {
+ public:
+  virtual ~EventListener() = default;
+  virtual void handle(const xcb_generic_event_t& event) = 0;
+  /// The queue is empty for now: the time to act once on many events.
+  virtual void eventsDrained() {}
+};
+
+/// Brings the events of the event connection to the listeners, in the server's order. Main thread.
+class EventPump {
+ public:
+  EventPump(Connection& connection, Dispatch& dispatch) : connection_(connection), dispatch_(dispatch) {}
+
+  /// Called for each event in the order of the calls. Before `start`.
+  void add(EventListener& listener) { listeners_.push_back(&listener); }
+  /// Begins to watch the connection.
+  void start();
+  /// Lets the watch go for good; a drain that is queued does nothing.
+  void stop();
+  /// Any thread. False without a watch: then nothing may be cached that events would have to keep right.
+  [[nodiscard]] bool watching() const { return watching_.load(std::memory_order_relaxed); }
+  /// Takes everything off the queue now.
+  void drain();
+  /// Drains soon. After a round trip on the event connection: it may have queued events inside xcb, which
+  /// the watched descriptor does not show.
+  void drainLater();
+
+ private:
+  void dispatchEvent(const xcb_generic_event_t& event);
+
+  Connection& connection_;
+  Dispatch& dispatch_;
+  std::vector<EventListener*> listeners_;
+  RegistrationRef watch_;
+  std::atomic<bool> watching_ = false;
+  bool drainPending_ = false;
+  std::shared_ptr<EventPump*> self_ = std::make_shared<EventPump*>(this);  // queued drains may outlive this
+};
+
+}  // namespace tessaspaces

@@ -1,0 +1,91 @@
+#include "platform/x11/Reader.h"
+
+namespace tessaspaces {
+
+/// What the innermost thread's scope has read already. `owner` is null while no scope is open.
+struct Reader::Memo {
+  const Reader* owner = nullptr;
+  int depth = 0;
+  Root root;
+  Windows windows;
+  WindowDetail windowDetail = WindowDetail::desktops;
+};
+
+class Reader::Scope : public ReadScope {
+ public:
+  Scope() { ++threadMemo().depth; }
+  ~Scope() override {
+    auto& memo = threadMemo();
+    if (--memo.depth == 0) memo = Memo();
+  }
+  Scope(const Scope&) = delete;
+  Scope& operator=(const Scope&) = delete;
+};
+
+Reader::Memo& Reader::threadMemo() {
+  static thread_local Memo memo;
+  return memo;
+}
+
+Reader::Memo* Reader::memo() {
+  auto& memo = threadMemo();
+  return memo.owner == this ? &memo : nullptr;
+}
+
+std::unique_ptr<ReadScope> Reader::beginRead() {
+  auto& memo = threadMemo();
+  if (memo.owner != nullptr && memo.owner != this) return nullptr;  // another platform's scope: not shared
+  memo.owner = this;
+  return std::make_unique<Scope>();
+}
+
+Reader::Root Reader::root(RootDetail detail) {
+  auto* memo = this->memo();
+  if (memo != nullptr && memo->root) return memo->root;
+  std::uint64_t generation = 0;
+  {
+    const std::lock_guard lock(mutex_);
+    generation = generation_;
+  }
+  // In a scope the windows are wanted sooner or later.
+  auto root = std::make_shared<const RootState>(rootReader_.read(memo != nullptr ? RootDetail::windows : detail));
+  if (memo != nullptr) memo->root = root;
+  const std::lock_guard lock(mutex_);
+  // Not when an event has overtaken this reading.
+  if (generation == generation_) knownCount_ = root->managed() ? root->desktopCount : 0;
+  return root;
+}
+
+Reader::Windows Reader::windows(WindowDetail detail) {
+  auto* memo = this->memo();
+  if (memo != nullptr && memo->windows &&
+      (memo->windowDetail == WindowDetail::everything || detail == WindowDetail::desktops)) {
+    return memo->windows;
+  }
+  const auto root = this->root(RootDetail::windows);
+  const auto& clients = root->clients;
+  auto windows = std::make_shared<const std::vector<WindowRecord>>(
+      readWindows(connection_, clients ? *clients : findClients(connection_), detail));
+  if (memo != nullptr) {
+    memo->windows = windows;
+    memo->windowDetail = detail;
+  }
+  return windows;
+}
+
+std::uint32_t Reader::desktopCount() {
+  {
+    const std::lock_guard lock(mutex_);
+    if (knownCount_) return *knownCount_;
+  }
+  const auto root = this->root(RootDetail::desktops);
+  return root->managed() ? root->desktopCount : 0;
+}
+
+void Reader::forget() {
+  const std::lock_guard lock(mutex_);
+  ++generation_;
+  knownCount_.reset();
+}
+
+}  // namespace tessaspaces

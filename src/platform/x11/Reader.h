@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "platform/WindowServer.h"
+#include "platform/x11/Connection.h"
+#include "platform/x11/RootState.h"
+#include "platform/x11/WindowTable.h"
+
+namespace tessaspaces {
+
+/// Where the parts of the platform get their view of the root and the windows from, so that within a
+/// ReadScope all of them share one batch of requests each. Any thread.
+class Reader {
+ public:
+  explicit Reader(Connection& connection) : connection_(connection), rootReader_(connection) {}
+
+  using Root = std::shared_ptr<const RootState>;
+  using Windows = std::shared_ptr<const std::vector<WindowRecord>>;
+
+  /// Never null.
+  Root root(RootDetail detail);
+  /// All client windows front to back; never null.
+  Windows windows(WindowDetail detail);
+  [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
+
+  /// Number of desktops that a window manager serves, 0 without one, as of the last reading; reads when
+  /// there was none since `forget`.
+  std::uint32_t desktopCount();
+  /// The events say that the desktops or their window manager changed.
+  void forget();
+
+ private:
+  class Scope;
+  struct Memo;
+  Memo* memo();
+  static Memo& threadMemo();
+
+  Connection& connection_;
+  RootReader rootReader_;
+
+  std::mutex mutex_;  // guards the two below
+  std::uint64_t generation_ = 0;
+  std::optional<std::uint32_t> knownCount_;
+};
+
+}  // namespace tessaspaces

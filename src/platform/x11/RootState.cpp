@@ -1,0 +1,95 @@
+#include "platform/x11/RootState.h"
+
+#include <algorithm>
+
+#include "platform/x11/Properties.h"
+
+namespace tessaspaces {
+namespace {
+
+// More desktops than this are a broken property, not a wish.
+constexpr std::uint32_t maxDesktops = 1024;
+
+struct CheckCookies {
+  xcb_get_property_cookie_t self;
+  xcb_get_property_cookie_t name;
+};
+
+CheckCookies askCheckWindow(Connection& connection, xcb_window_t window) {
+  auto& channel = connection.requests();
+  return {askProperty(channel, window, connection.atoms().netSupportingWmCheck, 1),
+          askText(channel, window, connection.atoms().netWmName)};
+}
+
+std::vector<DesktopOrigin> origins(std::span<const std::uint32_t> values) {
+  std::vector<DesktopOrigin> result;
+  for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
+    result.push_back({static_cast<std::int32_t>(values[i]), static_cast<std::int32_t>(values[i + 1])});
+  }
+  return result;
+}
+
+}  // namespace
+
+RootState RootReader::read(RootDetail detail) {
+  connection_.drainRequests();
+  auto& channel = connection_.requests();
+  const auto& atoms = connection_.atoms();
+  const auto root = connection_.root();
+  const auto await = [&](xcb_get_property_cookie_t cookie) { return channel.await<xcb_get_property_reply>(cookie); };
+
+  const auto checkCookie = askProperty(channel, root, atoms.netSupportingWmCheck, 1);
+  const auto countCookie = askProperty(channel, root, atoms.netNumberOfDesktops, 1);
+  const auto currentCookie = askProperty(channel, root, atoms.netCurrentDesktop, 1);
+  const auto namesCookie = askText(channel, root, atoms.netDesktopNames);
+  const auto viewportCookie = askProperty(channel, root, atoms.netDesktopViewport, 2 * maxDesktops);
+  const auto activeCookie = askProperty(channel, root, atoms.netActiveWindow, 1);
+  const bool wantWindows = detail == RootDetail::windows;
+  std::optional<xcb_get_property_cookie_t> stackingCookie;
+  std::optional<xcb_get_property_cookie_t> listCookie;
+  if (wantWindows) {
+    stackingCookie = askProperty(channel, root, atoms.netClientListStacking);
+    listCookie = askProperty(channel, root, atoms.netClientList);
+  }
+  const auto guess = lastCheckWindow_.load();
+  std::optional<CheckCookies> guessCookies;
+  if (guess != XCB_NONE) guessCookies = askCheckWindow(connection_, guess);
+
+  RootState state;
+  const auto check = firstItem(await(checkCookie)).value_or(XCB_NONE);
+  state.desktopCount = std::min(firstItem(await(countCookie)).value_or(0), maxDesktops);
+  state.current = firstItem(await(currentCookie));
+  if (state.current && *state.current >= state.desktopCount) state.current.reset();
+  state.names = texts(await(namesCookie));
+  state.viewports = origins(items(await(viewportCookie)));
+  state.activeWindow = firstItem(await(activeCookie)).value_or(XCB_NONE);
+  if (wantWindows) {
+    const auto stacking = await(*stackingCookie);
+    const auto list = await(*listCookie);
+    const auto& chosen = stacking && stacking->type != XCB_ATOM_NONE ? stacking : list;
+    if (chosen && chosen->type != XCB_ATOM_NONE) {
+      const auto windows = items(chosen);
+      state.clients.emplace(windows.rbegin(), windows.rend());
+    }
+  }
+
+  std::optional<std::uint32_t> self;
+  std::optional<std::string> name;
+  if (guessCookies) {
+    self = firstItem(await(guessCookies->self));
+    name = text(await(guessCookies->name));
+  }
+  if (check != guess && check != XCB_NONE) {
+    const auto cookies = askCheckWindow(connection_, check);
+    self = firstItem(await(cookies.self));
+    name = text(await(cookies.name));
+  }
+  if (check != XCB_NONE && self == check) {
+    state.checkWindow = check;
+    state.managerName = name.value_or("");
+  }
+  lastCheckWindow_.store(state.checkWindow);
+  return state;
+}
+
+}  // namespace tessaspaces

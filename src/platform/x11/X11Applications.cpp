@@ -1,0 +1,138 @@
+#include "platform/x11/X11Applications.h"
+
+#include <algorithm>
+#include <set>
+
+#include "platform/x11/Properties.h"
+#include "platform/x11/Text.h"
+
+namespace tessaspaces {
+namespace {
+
+constexpr std::uint32_t fromPager = 2;
+constexpr int wantedIconSize = 64;
+constexpr std::uint32_t maxIconSide = 1024;
+constexpr std::uint32_t maxClassBytes = 1024;
+
+std::uint32_t premultiplied(std::uint32_t pixel) {
+  const std::uint32_t alpha = pixel >> 24;
+  const auto channel = [&](int shift) { return (((pixel >> shift) & 0xff) * alpha + 127) / 255; };
+  return (alpha << 24) | (channel(16) << 16) | (channel(8) << 8) | channel(0);
+}
+
+}  // namespace
+
+std::vector<X11Applications::Owned> X11Applications::ownedWindows() {
+  const auto root = reader_.root(RootDetail::windows);
+  const auto clients = root->clients ? *root->clients : findClients(connection_);
+  auto& channel = connection_.requests();
+  std::vector<xcb_get_property_cookie_t> cookies;
+  for (const auto window : clients) cookies.push_back(askProperty(channel, window, connection_.atoms().netWmPid, 1));
+  std::vector<Owned> owned;
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    const auto pid = firstItem(channel.await<xcb_get_property_reply>(cookies[i]));
+    if (pid) owned.push_back({clients[i], static_cast<std::int32_t>(*pid)});
+  }
+  return owned;
+}
+
+std::optional<xcb_window_t> X11Applications::frontWindow(std::int32_t pid) {
+  for (const auto& owned : ownedWindows()) {
+    if (owned.pid == pid) return owned.window;
+  }
+  return std::nullopt;
+}
+
+std::vector<ApplicationInfo> X11Applications::describe(const std::vector<Owned>& windows) {
+  auto& channel = connection_.requests();
+  std::vector<xcb_get_property_cookie_t> cookies;
+  for (const auto& owned : windows) {
+    cookies.push_back(askProperty(channel, owned.window, XCB_ATOM_WM_CLASS, maxClassBytes / 4));
+  }
+  std::vector<ApplicationInfo> result;
+  for (std::size_t i = 0; i < windows.size(); ++i) {
+    auto names = texts(channel.await<xcb_get_property_reply>(cookies[i]));
+    names.resize(2);
+    const auto& windowClass = names[1].empty() ? names[0] : names[1];
+    ApplicationInfo info;
+    info.pid = windows[i].pid;
+    info.localizedName = windowClass;
+    if (!windowClass.empty()) info.bundleIdentifier = lowerCase(windowClass);
+    if (const auto file = desktopFiles_.find(names[0], names[1])) {
+      info.localizedName = file->name;
+      info.bundleIdentifier = file->id;
+    }
+    result.push_back(std::move(info));
+  }
+  return result;
+}
+
+std::optional<ApplicationInfo> X11Applications::frontmost() {
+  const auto active = reader_.root(RootDetail::desktops)->activeWindow;
+  if (active == XCB_NONE) return std::nullopt;
+  auto& channel = connection_.requests();
+  const auto cookie = askProperty(channel, active, connection_.atoms().netWmPid, 1);
+  const auto pid = firstItem(channel.await<xcb_get_property_reply>(cookie));
+  if (!pid) return std::nullopt;
+  return describe({{active, static_cast<std::int32_t>(*pid)}}).front();
+}
+
+std::optional<ApplicationInfo> X11Applications::running(std::int32_t pid) {
+  const auto window = frontWindow(pid);
+  if (!window) return std::nullopt;
+  return describe({{*window, pid}}).front();
+}
+
+std::vector<ApplicationInfo> X11Applications::runningWithBundleIdentifier(std::string_view identifier) {
+  auto windows = ownedWindows();
+  std::set<std::int32_t> seen;
+  std::erase_if(windows, [&](const Owned& owned) { return !seen.insert(owned.pid).second; });
+  auto applications = describe(windows);
+  std::erase_if(applications, [&](const ApplicationInfo& info) { return info.bundleIdentifier != identifier; });
+  return applications;
+}
+
+ImageRef X11Applications::icon(std::int32_t pid) {
+  auto& channel = connection_.requests();
+  const auto window = frontWindow(pid);
+  if (!window) return nullptr;
+  const auto reply =
+      channel.await<xcb_get_property_reply>(askProperty(channel, *window, connection_.atoms().netWmIcon));
+  return pickIcon(items(reply), wantedIconSize);
+}
+
+bool X11Applications::activate(std::int32_t pid) {
+  const auto window = frontWindow(pid);
+  if (!window) return false;
+  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, connection_.timestamp(), 0});
+  return true;
+}
+
+ImageRef pickIcon(std::span<const std::uint32_t> data, int wanted) {
+  std::span<const std::uint32_t> best;
+  std::uint32_t bestWidth = 0;
+  std::uint32_t bestHeight = 0;
+  while (data.size() > 2) {
+    const auto width = data[0];
+    const auto height = data[1];
+    if (width == 0 || height == 0 || width > maxIconSide || height > maxIconSide) break;
+    const std::size_t pixels = std::size_t{width} * height;
+    if (pixels > data.size() - 2) break;
+    const auto distance = [wanted](std::uint32_t side) { return std::abs(static_cast<int>(side) - wanted); };
+    if (best.empty() || distance(width) < distance(bestWidth)) {
+      best = data.subspan(2, pixels);
+      bestWidth = width;
+      bestHeight = height;
+    }
+    data = data.subspan(2 + pixels);
+  }
+  if (best.empty()) return nullptr;
+  auto image = std::make_shared<Image>();
+  image->width = static_cast<int>(bestWidth);
+  image->height = static_cast<int>(bestHeight);
+  image->pixels.reserve(best.size());
+  std::transform(best.begin(), best.end(), std::back_inserter(image->pixels), premultiplied);
+  return image;
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,179 @@
+#include "platform/x11/X11HotKeys.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "base/Report.h"
+#include "platform/x11/Xkb.h"
+
+namespace tessaspaces {
+namespace {
+
+constexpr std::uint16_t allModifierBits = 0xff;
+
+}  // namespace
+
+X11HotKeys::~X11HotKeys() {
+  for (const auto& [handle, hotKey] : registered_) ungrab(hotKey.keys);
+  connection_.events().flush();
+}
+
+HotKeyRegistration X11HotKeys::registerHotKey(KeyCombo combo, HotKeyID id) {
+  prepare();
+  auto keys = keysOf(combo);
+  if (keys.empty()) return {XCB_VALUE, std::nullopt};
+  // The server lets a client take a key twice; here the first registration keeps it.
+  if (isTaken(keys)) return {XCB_ACCESS, std::nullopt};
+  const auto error = grab(keys);
+  pump_.drainLater();
+  if (error != 0) return {error, std::nullopt};
+  const auto handle = nextHandle_++;
+  registered_.emplace(handle, Registered{combo, id, std::move(keys)});
+  return {noError, handle};
+}
+
+void X11HotKeys::unregisterHotKey(HotKeyHandle handle) {
+  const auto found = registered_.find(handle);
+  if (found == registered_.end()) return;
+  ungrab(found->second.keys);
+  connection_.events().flush();
+  registered_.erase(found);
+}
+
+void X11HotKeys::handle(const xcb_generic_event_t& event) {
+  switch (eventType(event)) {
+    case XCB_KEY_PRESS: pressed(eventAs<xcb_key_press_event_t>(event)); break;
+    case XCB_MAPPING_NOTIFY:
+      if (eventAs<xcb_mapping_notify_event_t>(event).request != XCB_MAPPING_POINTER) mapStale_ = true;
+      break;
+    default: break;
+  }
+}
+
+void X11HotKeys::eventsDrained() {
+  // A change of layout comes as a burst of notices.
+  if (std::exchange(mapStale_, false) && prepared_) grabAgain(KeyboardMap::read(connection_.events()));
+}
+
+void X11HotKeys::prepare() {
+  if (prepared_) return;
+  prepared_ = true;
+  auto& channel = connection_.events();
+  if (connection_.extensions().xkb != 0) {
+    // Without this the server may fold a second keyboard layout into the modifiers that grabs are compared
+    // with, and hot keys would work in the first layout alone.
+    constexpr std::uint32_t grabsUseXkbState = XCB_XKB_PER_CLIENT_FLAG_GRABS_USE_XKB_STATE;
+    const auto use =
+        channel.send<xcb_xkb_use_extension>(std::uint16_t{XCB_XKB_MAJOR_VERSION}, std::uint16_t{XCB_XKB_MINOR_VERSION});
+    const auto flags = channel.send<xcb_xkb_per_client_flags>(
+        static_cast<xcb_xkb_device_spec_t>(XCB_XKB_ID_USE_CORE_KBD), grabsUseXkbState, grabsUseXkbState, 0U, 0U, 0U);
+    channel.await<xcb_xkb_use_extension_reply>(use);
+    channel.await<xcb_xkb_per_client_flags_reply>(flags);
+  }
+  adopt(KeyboardMap::read(channel));
+}
+
+void X11HotKeys::adopt(KeyboardMap map) {
+  map_ = std::move(map);
+  lockVariants_ = {0};
+  significant_ = allModifierBits;
+  for (const auto bit : map_.lockBits()) {
+    significant_ &= static_cast<std::uint16_t>(~bit);
+    const auto without = lockVariants_;
+    for (const auto variant : without) lockVariants_.push_back(variant | bit);
+  }
+}
+
+std::vector<X11HotKeys::Key> X11HotKeys::keysOf(KeyCombo combo) const {
+  std::vector<Key> keys;
+  if (combo.isEmpty()) return keys;
+  const auto bits = map_.modifierBits(combo.modifiers);
+  for (const auto keycode : map_.keycodesOf(combo.keyCode)) keys.push_back({keycode, bits});
+  return keys;
+}
+
+bool X11HotKeys::isTaken(const std::vector<Key>& keys) const {
+  return std::any_of(registered_.begin(), registered_.end(), [&](const auto& entry) {
+    const auto& held = entry.second.keys;
+    return std::find_first_of(held.begin(), held.end(), keys.begin(), keys.end()) != held.end();
+  });
+}
+
+std::uint8_t X11HotKeys::grab(const std::vector<Key>& keys) {
+  auto& channel = connection_.events();
+  struct Attempt {
+    Key key;
+    xcb_void_cookie_t cookie;
+    bool held = false;
+  };
+  std::vector<Attempt> attempts;
+  for (const auto& key : keys) {
+    for (const auto locks : lockVariants_) {
+      const Key variant{key.keycode, static_cast<std::uint16_t>(key.modifiers | locks)};
+      const auto cookie =
+          channel.send<xcb_grab_key_checked>(std::uint8_t{0}, connection_.root(), variant.modifiers, variant.keycode,
+                                             std::uint8_t{XCB_GRAB_MODE_ASYNC}, std::uint8_t{XCB_GRAB_MODE_ASYNC});
+      attempts.push_back({variant, cookie});
+    }
+  }
+  std::uint8_t failure = 0;
+  for (auto& attempt : attempts) {
+    const auto error = channel.check(attempt.cookie);
+    attempt.held = !error;
+    if (error && failure == 0) failure = error->error_code;
+  }
+  if (failure != 0) {
+    for (const auto& attempt : attempts) {
+      if (attempt.held) channel.send<xcb_ungrab_key>(attempt.key.keycode, connection_.root(), attempt.key.modifiers);
+    }
+    channel.flush();
+  }
+  return failure;
+}
+
+void X11HotKeys::ungrab(const std::vector<Key>& keys) {
+  for (const auto& key : keys) {
+    for (const auto locks : lockVariants_) {
+      connection_.events().send<xcb_ungrab_key>(key.keycode, connection_.root(),
+                                                static_cast<std::uint16_t>(key.modifiers | locks));
+    }
+  }
+}
+
+void X11HotKeys::grabAgain(KeyboardMap map) {
+  if (map == map_) return;  // tools that type text remap a spare key and put it back
+  for (auto& [handle, hotKey] : registered_) {
+    ungrab(hotKey.keys);
+    hotKey.keys.clear();
+  }
+  adopt(std::move(map));
+  for (auto& [handle, hotKey] : registered_) {
+    auto keys = keysOf(hotKey.combo);
+    // Two combos can end up on one key; the one registered first keeps it.
+    const std::uint8_t error = keys.empty() ? XCB_VALUE : isTaken(keys) ? XCB_ACCESS : grab(keys);
+    if (error == 0) {
+      hotKey.keys = std::move(keys);
+    } else {
+      report(ReportLevel::error, fmt::format("HOTKEY: {} is lost after a change of the keyboard, status={}",
+                                             hotKey.combo.display(), error));
+    }
+  }
+}
+
+void X11HotKeys::pressed(const xcb_key_press_event_t& event) {
+  // The passive grab has become a grab of the whole keyboard, which would last until the key is released
+  // and keep the overview from taking the keyboard itself.
+  // Sent with the drain's flush: the press comes first.
+  connection_.events().send<xcb_ungrab_keyboard>(event.time);
+  const Key key{event.detail, static_cast<std::uint16_t>(event.state & significant_)};
+  for (const auto& [handle, hotKey] : registered_) {
+    if (std::find(hotKey.keys.begin(), hotKey.keys.end(), key) == hotKey.keys.end()) continue;
+    const auto id = hotKey.id;  // the handler may unregister
+    if (handler_) handler_(id);
+    return;
+  }
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Session.h"
+
+namespace tessaspaces {
+
+/// There is no preferences database to import from; languages come from the environment.
+class X11Preferences : public Preferences {
+ public:
+  std::optional<PreferenceValue> legacyValue(std::string_view key) override;
+  std::vector<std::string> preferredLanguages() override;
+};
+
+/// The languages that the locale variables ask for, as gettext reads them: LC_ALL, else LC_MESSAGES, else
+/// LANG names the locale, and unless that is "C", LANGUAGE may list others to try first. "de_AT.UTF-8"
+/// becomes "de-AT". `variable` gives a variable's value, absent when unset or empty.
+[[nodiscard]] std::vector<std::string> languagesFrom(
+    const std::function<std::optional<std::string>(const char*)>& variable);
+
+}  // namespace tessaspaces

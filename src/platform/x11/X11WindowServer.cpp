@@ -1,0 +1,229 @@
+#include "platform/x11/X11WindowServer.h"
+
+#include <algorithm>
+#include <set>
+
+#include "platform/x11/Properties.h"
+
+namespace tessaspaces {
+namespace {
+
+// "Source indication" of EWMH messages: a pager acts on the user's behalf and is obeyed.
+constexpr std::uint32_t fromPager = 2;
+constexpr std::int32_t badValue = XCB_VALUE;
+
+SpaceID spaceOf(std::uint32_t desktop) {
+  return SpaceID{desktop} + 1;
+}
+std::uint32_t desktopOf(SpaceID space) {
+  return static_cast<std::uint32_t>(space - 1);
+}
+
+std::vector<DesktopWindow> desktopWindows(const std::vector<WindowRecord>& records) {
+  std::vector<DesktopWindow> windows;
+  for (const auto& record : records) {
+    if (record.desktop && *record.desktop != allDesktops) windows.push_back({*record.desktop, record.viewable});
+  }
+  return windows;
+}
+
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+}  // namespace
+
+/// The root and the screens as they fit together.
+struct X11WindowServer::View {
+  Reader::Root root;
+  ScreenLayoutRef layout;
+  DesktopMap map;
+};
+
+X11WindowServer::View X11WindowServer::view() {
+  View view{reader_.root(RootDetail::desktops), screens_.layout(), {}};
+  if (view.root->managed()) {
+    view.map = mapDesktops(view.layout->monitors, view.root->viewports, view.root->desktopCount);
+    visible_.note(view.layout->monitors, view.map, *view.root);
+  }
+  return view;
+}
+
+std::optional<std::uint32_t> X11WindowServer::current(const View& view, std::size_t monitor) {
+  std::vector<DesktopWindow> windows;
+  if (VisibleDesktops::needsWindows(view.map, *view.root, monitor)) {
+    windows = desktopWindows(*reader_.windows(WindowDetail::desktops));
+  }
+  return visible_.current(view.layout->monitors, view.map, *view.root, monitor, windows);
+}
+
+std::int32_t X11WindowServer::mainConnectionID() {
+  // The server numbers its clients in the upper bits of the resource ids that it hands them.
+  const auto* setup = xcb_get_setup(connection_.requests().get());
+  return static_cast<std::int32_t>(setup->resource_id_base / (setup->resource_id_mask + 1));
+}
+
+std::optional<std::vector<ManagedDisplay>> X11WindowServer::copyManagedDisplaySpaces() {
+  const auto scope = reader_.beginRead();  // several displays may have to look at the windows
+  const auto view = this->view();
+  if (!view.root->managed()) return std::nullopt;
+  const auto managedSpace = [&](std::uint32_t desktop) {
+    ManagedSpace space;
+    space.id64 = space.managedSpaceID = spaceOf(desktop);
+    space.type = 0;
+    if (desktop < view.root->names.size()) space.name = view.root->names[desktop];
+    return space;
+  };
+  std::vector<ManagedDisplay> displays;
+  for (std::size_t i = 0; i < view.layout->monitors.size(); ++i) {
+    ManagedDisplay display;
+    display.displayIdentifier = view.layout->monitors[i].identifier;
+    display.spaces.emplace();
+    for (const auto desktop : view.map.desktopsOf(i, view.root->desktopCount)) {
+      display.spaces->push_back(managedSpace(desktop));
+    }
+    if (const auto shown = current(view, i)) display.currentSpace = managedSpace(*shown);
+    displays.push_back(std::move(display));
+  }
+  return displays;
+}
+
+SpaceID X11WindowServer::managedDisplayGetCurrentSpace(std::string_view display) {
+  const auto view = this->view();
+  const auto monitor = view.layout->find(display);
+  if (!monitor || !view.root->managed()) return 0;
+  const auto shown = current(view, *monitor);
+  return shown ? spaceOf(*shown) : 0;
+}
+
+void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view /*display*/, SpaceID space) {
+  switchTo(space);
+}
+
+std::optional<std::vector<WindowID>> X11WindowServer::copyWindowsOnSpace(SpaceID space) {
+  const auto scope = reader_.beginRead();
+  const auto root = reader_.root(RootDetail::windows);
+  if (!root->managed()) return std::nullopt;
+  std::vector<WindowID> result;
+  if (space == 0 || space > root->desktopCount) return result;
+  for (const auto& record : *reader_.windows(WindowDetail::desktops)) {
+    if (record.desktop == desktopOf(space) || record.desktop == allDesktops) result.push_back(record.window);
+  }
+  return result;
+}
+
+std::optional<std::vector<SpaceID>> X11WindowServer::copySpacesForWindows(int /*mask*/,
+                                                                          std::span<const WindowID> windows) {
+  auto& channel = connection_.requests();
+  const auto count = reader_.root(RootDetail::desktops)->desktopCount;
+  std::vector<xcb_get_property_cookie_t> cookies;
+  for (const auto window : windows)
+    cookies.push_back(askProperty(channel, window, connection_.atoms().netWmDesktop, 1));
+  std::set<SpaceID> spaces;
+  for (const auto cookie : cookies) {
+    const auto desktop = firstItem(channel.await<xcb_get_property_reply>(cookie));
+    if (desktop == allDesktops) {
+      for (std::uint32_t i = 0; i < count; ++i) spaces.insert(spaceOf(i));
+    } else if (desktop && *desktop < count) {
+      spaces.insert(spaceOf(*desktop));
+    }
+  }
+  return std::vector<SpaceID>(spaces.begin(), spaces.end());
+}
+
+void X11WindowServer::moveWindowsToManagedSpace(std::span<const WindowID> windows, SpaceID space) {
+  move(windows, space);
+}
+
+void X11WindowServer::addWindowsToSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) {
+  if (!spaces.empty()) move(windows, spaces.back());
+}
+
+void X11WindowServer::removeWindowsFromSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) {
+  std::vector<SpaceID> remaining;
+  const auto count = reader_.desktopCount();
+  for (std::uint32_t desktop = 0; desktop < count; ++desktop) {
+    if (std::find(spaces.begin(), spaces.end(), spaceOf(desktop)) == spaces.end())
+      remaining.push_back(spaceOf(desktop));
+  }
+  if (remaining.size() != 1) return;
+  std::vector<WindowID> sticky;
+  for (const auto& record : readWindows(connection_, windows, WindowDetail::desktops)) {
+    if (record.desktop == allDesktops) sticky.push_back(record.window);
+  }
+  move(sticky, remaining.front());
+}
+
+std::int32_t X11WindowServer::spaceSetCompatID(SpaceID space, std::int32_t compatID) {
+  if (!isKnown(space)) return badValue;
+  const std::lock_guard lock(compatMutex_);
+  std::erase_if(compatIDs_, [&](const auto& entry) { return entry.second == space; });
+  if (compatID != 0) compatIDs_[compatID] = space;
+  return 0;
+}
+
+std::int32_t X11WindowServer::setWindowListWorkspace(std::span<const WindowID> windows, std::int32_t compatID) {
+  SpaceID space = 0;
+  {
+    const std::lock_guard lock(compatMutex_);
+    if (const auto found = compatIDs_.find(compatID); found != compatIDs_.end()) space = found->second;
+  }
+  return move(windows, space) ? 0 : badValue;
+}
+
+bool X11WindowServer::performBridged(const BridgedOperation& operation) {
+  const auto allKnown = [this](const std::vector<SpaceID>& spaces) {
+    return reader_.desktopCount() > 0 &&
+           std::all_of(spaces.begin(), spaces.end(), [this](SpaceID space) { return isKnown(space); });
+  };
+  return std::visit(Overloaded{[&](const ShowSpaces& show) { return allKnown(show.spaces); },
+                               [&](const SetCurrentSpace& set) { return switchTo(set.space); },
+                               [&](const HideSpaces& hide) { return allKnown(hide.spaces); },
+                               [&](const MoveWindowsToSpace& moving) { return move(moving.windows, moving.space); }},
+                    operation);
+}
+
+std::optional<std::string> X11WindowServer::windowManagerName() {
+  const auto root = reader_.root(RootDetail::desktops);
+  if (!root->managed()) return std::nullopt;
+  return root->managerName.empty() ? "a window manager without a name" : root->managerName;
+}
+
+void X11WindowServer::noteVisibleDesktops() {
+  view();
+}
+
+bool X11WindowServer::isVisible(const WindowRecord& window) {
+  if (!window.viewable || window.hidden) return false;
+  if (!window.desktop || *window.desktop == allDesktops) return true;
+  const auto view = this->view();
+  if (!view.root->managed()) return true;
+  // On a monitor of its own a desktop with a viewable window is the one shown.
+  return view.map.perMonitor || view.root->current == window.desktop;
+}
+
+bool X11WindowServer::isKnown(SpaceID space) {
+  // While events are watched the count is kept right by them; a switch then costs no question.
+  if (!pump_.watching()) reader_.forget();
+  return space != 0 && space <= reader_.desktopCount();
+}
+
+bool X11WindowServer::switchTo(SpaceID space) {
+  if (!isKnown(space)) return false;
+  connection_.sendToRoot(connection_.root(), connection_.atoms().netCurrentDesktop,
+                         {desktopOf(space), connection_.timestamp()});
+  return true;
+}
+
+bool X11WindowServer::move(std::span<const WindowID> windows, SpaceID space) {
+  if (!isKnown(space)) return false;
+  for (const auto window : windows) {
+    connection_.sendToRoot(window, connection_.atoms().netWmDesktop, {desktopOf(space), fromPager});
+  }
+  return true;
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <mutex>
+
+#include "platform/WindowServer.h"
+#include "platform/x11/DesktopMap.h"
+#include "platform/x11/EventPump.h"
+#include "platform/x11/PagerLayout.h"
+#include "platform/x11/Reader.h"
+#include "platform/x11/X11Screens.h"
+
+namespace tessaspaces {
+
+/// Desktops by EWMH. A space's id is the desktop's number plus one. Window managers that share desktops
+/// among monitors show the same list on every display; with those that give each monitor its own, each
+/// display has its own. Displays come in the order of the screens, without those that mirror another.
+class X11WindowServer : public WindowServer {
+ public:
+  X11WindowServer(Connection& connection, Reader& reader, X11Screens& screens, const EventPump& pump,
+                  PagerLayout& pagerLayout)
+      : connection_(connection), reader_(reader), screens_(screens), pump_(pump), pagerLayout_(pagerLayout) {}
+
+  std::int32_t mainConnectionID() override;
+  std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() override;
+  SpaceID managedDisplayGetCurrentSpace(std::string_view display) override;
+  void managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) override;
+  std::optional<std::vector<WindowID>> copyWindowsOnSpace(SpaceID space) override;
+  std::optional<std::vector<SpaceID>> copySpacesForWindows(int mask, std::span<const WindowID> windows) override;
+  void moveWindowsToManagedSpace(std::span<const WindowID> windows, SpaceID space) override;
+  /// An X11 window is on one desktop or on all: it moves to the last of the spaces.
+  void addWindowsToSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) override;
+  /// Does something only for a window on all desktops of which one remains: it moves there.
+  void removeWindowsFromSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) override;
+  std::int32_t spaceSetCompatID(SpaceID space, std::int32_t compatID) override;
+  std::int32_t setWindowListWorkspace(std::span<const WindowID> windows, std::int32_t compatID) override;
+  /// One message switches: ShowSpaces and HideSpaces have nothing left to do.
+  bool performBridged(const BridgedOperation& operation) override;
+  [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override { return reader_.beginRead(); }
+  std::optional<std::string> windowManagerName() override;
+  void setDesktopLayout(int rows, int columns) override { pagerLayout_.advertise(rows, columns); }
+
+  /// Looks which desktop the focused monitor shows, while it still does: see VisibleDesktops. Any thread.
+  void noteVisibleDesktops();
+  /// Whether the display with the index in ScreenLayout::monitors shows the desktop; reads through `reader_`.
+  [[nodiscard]] bool isVisible(const WindowRecord& window);
+
+ private:
+  struct View;
+  View view();
+  std::optional<std::uint32_t> current(const View& view, std::size_t monitor);
+  bool isKnown(SpaceID space);
+  bool switchTo(SpaceID space);
+  bool move(std::span<const WindowID> windows, SpaceID space);
+
+  Connection& connection_;
+  Reader& reader_;
+  X11Screens& screens_;
+  const EventPump& pump_;
+  PagerLayout& pagerLayout_;
+  VisibleDesktops visible_;
+
+  std::mutex compatMutex_;  // guards compatIDs_
+  std::map<std::int32_t, SpaceID> compatIDs_;
+};
+
+}  // namespace tessaspaces

@@ -88,6 +88,10 @@ class WindowServer {
   /// Whether a window manager that understands desktops is running, its name for messages when it is.
   virtual std::optional<std::string> windowManagerName() = 0;
 
+  /// Tells the system that desktops lie in a grid of this size, filled row by row, so that its own
+  /// directions agree with the program's; rows or columns of 0 take that back. Main thread. Optional.
+  virtual void setDesktopLayout(int rows, int columns) { static_cast<void>(rows), static_cast<void>(columns); }
+
   /// Desktops were added, removed or renamed, or a display shows another one. Main thread.
   Signal<> spacesChanged;
   /// The window manager came, went or was replaced. Main thread.

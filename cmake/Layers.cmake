@@ -17,6 +17,8 @@ endif()
 function(tessaspaces_layer name)
   cmake_parse_arguments(LAYER "" "" "USES;LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  # main.cpp belongs to the program that is made from the layer.
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
 
   set(root ${PROJECT_BINARY_DIR}/layers/${name})

@@ -1,0 +1,221 @@
+#include "app/LaunchWindow.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <array>
+#include <vector>
+
+#include "app/HotKeySet.h"
+#include "app/LaunchWindowController.h"
+#include "app/Readiness.h"
+#include "app/Text.h"
+#include "platform/Platform.h"
+#include "settings/Enums.h"
+#include "settings/Notifications.h"
+#include "settings/Settings.h"
+
+namespace tessaspaces {
+namespace {
+
+struct ModifierKey {
+  std::uint32_t mask;
+  std::string_view nameKey;
+};
+
+constexpr std::array modifierKeys{
+    ModifierKey{KeyCombo::control, "launch.modifier.control"},
+    ModifierKey{KeyCombo::option, "launch.modifier.option"},
+    ModifierKey{KeyCombo::shift, "launch.modifier.shift"},
+    ModifierKey{KeyCombo::command, "launch.modifier.command"},
+};
+
+std::string listOf(const std::vector<KeyCombo>& combos) {
+  std::string list;
+  for (const KeyCombo& combo : combos) list += (list.empty() ? "" : "  ") + combo.display();
+  return list;
+}
+
+/// "⌃⌥← ⌃⌥→ are already used by another program, probably the window manager openbox."
+std::string takenSentence(const std::vector<KeyCombo>& taken) {
+  const bool one = taken.size() == 1;
+  if (const auto windowManager = platform().windowServer().windowManagerName()) {
+    return L10n::t(one ? "launch.keys.takenOneBy" : "launch.keys.takenBy", listOf(taken), *windowManager);
+  }
+  return L10n::t(one ? "launch.keys.takenOne" : "launch.keys.taken", listOf(taken));
+}
+
+State stateOf(const HotKeyClashes::GroupReport& report) {
+  if (report.modifiers == 0) return State::off;
+  return report.taken.empty() ? State::ok : State::failed;
+}
+
+QString describe(const HotKeyClashes::GroupReport& report) {
+  if (report.modifiers == 0) return localized("launch.keys.off");
+  if (!report.taken.empty()) return text(takenSentence(report.taken));
+  return text(KeyCombo::modifierSymbols(report.modifiers) + " " + L10n::t(suffixKey(report.group)));
+}
+
+}  // namespace
+
+LaunchWindow::LaunchWindow(LaunchWindowController& controller) : Panel("launch.title"), controller_(controller) {
+  hotkeys_ = Notifications::observe(Notifications::hotkeysChanged, [this] { refresh(); });
+}
+
+void LaunchWindow::refresh() {
+  rebuild();
+}
+
+void LaunchWindow::populate(QVBoxLayout& layout) {
+  setMinimumWidth(600);
+  addIntroduction(layout);
+  addChecks(layout);
+  if (controller_.isReady()) addHotKeys(layout);
+  layout.addStretch();
+  addButtons(layout);
+}
+
+void LaunchWindow::addIntroduction(QVBoxLayout& layout) {
+  std::string_view heading = "launch.heading.ready";
+  std::string_view body = "launch.body.ready";
+  if (!controller_.isReady()) {
+    const bool foreign = Readiness::verdict(controller_.findings()) == Readiness::Verdict::foreignSession;
+    heading = foreign ? "launch.heading.foreign" : "launch.heading.waiting";
+    body = foreign ? "launch.body.foreign" : "launch.body.waiting";
+  } else if (HotKeyClashes::any()) {
+    heading = "launch.heading.taken";
+    body = "launch.body.taken";
+  }
+  auto* row = new QHBoxLayout;
+  row->setSpacing(18);
+  row->addWidget(new Picture(Picture::Kind::icon, 64), 0, Qt::AlignTop);
+  auto* column = new QVBoxLayout;
+  column->setSpacing(4);
+  column->addWidget(makeHeading(localized(heading), 6));
+  column->addWidget(new QuietLabel(localized(body)));
+  row->addLayout(column, 1);
+  layout.addLayout(row);
+}
+
+void LaunchWindow::addChecks(QVBoxLayout& layout) {
+  auto* card = new Card;
+  auto* column = new QVBoxLayout(card);
+  column->setContentsMargins(18, 16, 18, 16);
+  column->setSpacing(12);
+  auto rows = Readiness::rows(controller_.findings());
+  rows.push_back(Readiness::configurationRow());
+  for (const Readiness::Row& row : rows) column->addLayout(makeRow(row.state, text(row.title), text(row.detail)));
+  layout.addWidget(card);
+}
+
+void LaunchWindow::addHotKeys(QVBoxLayout& layout) {
+  auto* card = new Card;
+  auto* column = new QVBoxLayout(card);
+  column->setContentsMargins(18, 16, 18, 16);
+  column->setSpacing(14);
+  for (const auto& report : HotKeyClashes::reports()) addGroup(*column, report);
+  if (const auto others = HotKeyClashes::otherTaken(); !others.empty()) {
+    column->addLayout(makeRow(State::failed, localized("launch.keys.other"), text(takenSentence(others))));
+  }
+  layout.addWidget(card);
+}
+
+void LaunchWindow::addGroup(QVBoxLayout& layout, const HotKeyClashes::GroupReport& report) {
+  const HotkeyGroup group = report.group;
+  if (!report.taken.empty()) touched_[group] = true;
+  const QString title = text(label(group));
+  QHBoxLayout* row = makeRow(stateOf(report), title, describe(report));
+  layout.addLayout(row);
+  if (!touched_[group]) return;
+
+  auto* column = static_cast<QVBoxLayout*>(row->itemAt(1)->layout());
+  auto* controls = new QHBoxLayout;
+  controls->setContentsMargins(0, 6, 0, 0);
+  controls->setSpacing(10);
+  std::vector<QCheckBox*> boxes;
+  for (const ModifierKey& key : modifierKeys) {
+    auto* box = new QCheckBox(localized(key.nameKey));
+    box->setChecked((report.modifiers & key.mask) != 0);
+    box->setAccessibleDescription(title);
+    controls->addWidget(box);
+    box->setObjectName(QStringLiteral("modifier%1.%2").arg(rawValue(group)).arg(key.mask));
+    boxes.push_back(box);
+  }
+  controls->addStretch();
+  auto* attempt = new QPushButton(localized("launch.keys.try"));
+  attempt->setAccessibleDescription(title);
+  attempt->setObjectName(QStringLiteral("try%1").arg(rawValue(group)));
+  controls->addWidget(attempt);
+  auto* suggest = new QPushButton(localized("launch.keys.suggest"));
+  suggest->setAccessibleDescription(title);
+  suggest->setToolTip(localized("launch.keys.suggestHint"));
+  suggest->setObjectName(QStringLiteral("suggest%1").arg(rawValue(group)));
+  controls->addWidget(suggest);
+  column->addLayout(controls);
+  if (const auto found = refused_.find(group); found != refused_.end()) {
+    column->addLayout(makeRow(State::warning, found->second, {}));
+  }
+
+  const auto chosen = [boxes] {
+    std::uint32_t modifiers = 0;
+    for (std::size_t i = 0; i < boxes.size(); ++i) modifiers |= boxes[i]->isChecked() ? modifierKeys[i].mask : 0;
+    return modifiers;
+  };
+  const auto follow = [attempt, chosen, current = report.modifiers] {
+    const std::uint32_t wanted = chosen();
+    attempt->setEnabled(wanted != 0 || current != 0);
+    // The same keys again: they may have been given free meanwhile.
+    const bool again = wanted == current && current != 0;
+    attempt->setText(localized(wanted == 0 ? "launch.keys.turnOff"
+                               : again     ? "launch.keys.tryAgain"
+                                           : "launch.keys.try"));
+  };
+  for (QCheckBox* box : boxes) connect(box, &QCheckBox::toggled, this, follow);
+  follow();
+  connect(attempt, &QPushButton::clicked, this, [this, group, chosen] { apply(group, chosen()); });
+  connect(suggest, &QPushButton::clicked, this, [this, group] {
+    if (const auto modifiers = HotKeyClashes::freeModifiers(group)) {
+      apply(group, *modifiers);
+    } else {
+      refused_[group] = localized("launch.keys.noneFree");
+      refresh();
+    }
+  });
+}
+
+void LaunchWindow::apply(HotkeyGroup group, std::uint32_t modifiers) {
+  refused_.erase(group);
+  if (const auto rival = HotKeyClashes::rival(group, modifiers)) {
+    refused_[group] = localized("launch.keys.rival", KeyCombo::modifierSymbols(modifiers), label(*rival));
+    refresh();
+    return;
+  }
+  Settings::setModifiers(modifiers, group);
+  // The delegate registers the keys, then this window's own observer shows how that went.
+  Notifications::post(Notifications::hotkeysChanged);
+}
+
+void LaunchWindow::addButtons(QVBoxLayout& layout) {
+  auto* row = new QHBoxLayout;
+  row->setSpacing(10);
+  if (!controller_.isReady()) {
+    addButton(*row, localized("launch.quit"), [] { QCoreApplication::quit(); })->setAutoDefault(false);
+  }
+  row->addStretch();
+  const bool foreign =
+      !controller_.isReady() && Readiness::verdict(controller_.findings()) == Readiness::Verdict::foreignSession;
+  if (foreign) {
+    addButton(*row, localized("launch.continue"), [this] {
+      close();
+      controller_.continueAnyway();
+    })->setAutoDefault(false);
+  } else {
+    auto* done = addButton(*row, localized(controller_.isReady() ? "launch.done" : "launch.hide"), [this] { close(); });
+    done->setDefault(true);
+  }
+  layout.addLayout(row);
+}
+
+}  // namespace tessaspaces

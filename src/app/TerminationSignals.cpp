@@ -1,0 +1,47 @@
+#include "app/TerminationSignals.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <utility>
+
+namespace tessaspaces {
+namespace {
+
+constexpr std::array signals{SIGTERM, SIGINT, SIGHUP};
+
+/// What the handler writes to and the event loop reads from. Never closed: a handler may be running.
+std::array<int, 2> wakePipe{-1, -1};
+
+void handle(int) {
+  const int before = errno;
+  const char byte = 0;
+  [[maybe_unused]] const auto written = write(wakePipe[1], &byte, 1);
+  errno = before;
+}
+
+}  // namespace
+
+TerminationSignals::TerminationSignals(std::function<void()> asked) {
+  if (wakePipe[0] < 0 && pipe2(wakePipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+  notifier_ = std::make_unique<QSocketNotifier>(wakePipe[0], QSocketNotifier::Read);
+  QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [asked = std::move(asked)] {
+    std::array<char, 16> bytes;
+    while (read(wakePipe[0], bytes.data(), bytes.size()) > 0) {
+    }
+    asked();
+  });
+  struct sigaction action {};
+  action.sa_handler = handle;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : signals) sigaction(signal, &action, nullptr);
+}
+
+TerminationSignals::~TerminationSignals() {
+  for (const int signal : signals) std::signal(signal, SIG_DFL);
+}
+
+}  // namespace tessaspaces

@@ -1,0 +1,114 @@
+#include <unistd.h>
+
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "app/Alerts.h"
+#include "app/AppDelegate.h"
+#include "app/Icons.h"
+#include "app/Options.h"
+#include "app/PlatformChoice.h"
+#include "app/QtDispatch.h"
+#include "app/ReopenService.h"
+#include "app/SessionBus.h"
+#include "app/SingleInstanceGuard.h"
+#include "app/TerminationSignals.h"
+#include "app/Text.h"
+#include "settings/Log.h"
+
+namespace tessaspaces {
+namespace {
+
+int fail(const std::string& message) {
+  std::fprintf(stderr, "tessaspaces: %s\n", message.c_str());
+  return EXIT_FAILURE;
+}
+
+/// The name of the copy that runs already, as far as the system knows it.
+std::string runningCopyName() {
+  for (const char* identifier : {"local.tessaspaces", "local.tessaspaces.dev"}) {
+    for (const ApplicationInfo& copy : platform().applications().runningWithBundleIdentifier(identifier)) {
+      if (copy.pid == getpid()) continue;
+      if (!copy.localizedName.empty()) return copy.localizedName;
+      return "tessa⊞spaces";
+    }
+  }
+  return "tessa⊞spaces";
+}
+
+/// Everything that needs the Qt application. `first`: no other copy is running.
+int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool first) {
+  QApplication::setQuitOnLastWindowClosed(false);
+  auto dispatch = std::make_unique<QtDispatch>();
+  QtDispatch& queue = *dispatch;
+  std::string error;
+  const auto system = openPlatform(chosen, std::move(dispatch), error);
+  if (!system) return fail(error);
+  setPlatform(system.get());
+
+  int status = EXIT_SUCCESS;
+  if (first) {
+    const TerminationSignals signals([] { QCoreApplication::quit(); });
+    AppDelegate delegate;
+    delegate.applicationDidFinishLaunching();
+    status = QApplication::exec();
+  } else {
+    ReopenService::notifyRunningCopy();
+    Alerts::infoAndWait(localized("app.alreadyRunning.title", runningCopyName()), localized("app.alreadyRunning.body"));
+  }
+  queue.close();
+  application.closeAllWindows();
+  setPlatform(nullptr);
+  return status;
+}
+
+int run(int argc, char** argv) {
+  std::string error;
+  const auto options = parseOptions({argv + 1, static_cast<std::size_t>(argc - 1)}, error);
+  if (!options) {
+    fail(error);
+    return 2;
+  }
+  switch (options->task) {
+    case Options::Task::showVersion: std::puts("tessaspaces " TESSASPACES_VERSION); return EXIT_SUCCESS;
+    case Options::Task::showHelp: std::fputs(helpText().data(), stdout); return EXIT_SUCCESS;
+    case Options::Task::run: break;
+  }
+
+  const bool first = SingleInstanceGuard::acquire();
+  if (!first) {
+    std::fputs("tessaspaces: another instance is already running; quit it before starting a new one.\n", stderr);
+  }
+  const auto chosen = choosePlatform(options->platform, error);
+  if (!chosen) return first ? fail(error) : EXIT_SUCCESS;
+  if (first) Log::takeReports();
+
+  SessionBus::prepareEnvironment();
+  // Qt's own loop wakes up with less ado than GLib's, and this program needs nothing of GLib.
+  setenv("QT_NO_GLIB", "1", 0);
+  std::string name = argv[0];
+  std::string pluginOption = "-platform";
+  std::string plugin = chosen->qtPlugin;
+  std::vector<char*> arguments{name.data()};
+  if (!plugin.empty()) arguments.insert(arguments.end(), {pluginOption.data(), plugin.data()});
+  int count = static_cast<int>(arguments.size());
+  arguments.push_back(nullptr);
+
+  QCoreApplication::setApplicationName("tessaspaces");
+  QCoreApplication::setApplicationVersion(TESSASPACES_VERSION);
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("tessa⊞spaces"));
+  QGuiApplication::setDesktopFileName("local.tessaspaces");
+  QApplication application(count, arguments.data());
+  QApplication::setWindowIcon(Icons::application());
+  return runWithQt(application, *chosen, first);
+}
+
+}  // namespace
+}  // namespace tessaspaces
+
+int main(int argc, char** argv) {
+  return tessaspaces::run(argc, argv);
+}

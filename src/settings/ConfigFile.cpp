@@ -18,9 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How long a change waits for another process to finish its own: longer than any write takes, and short
-// enough not to be felt if that process hangs. Then the change goes on without the lock.
-constexpr int lockAttempts = 50;
+// How long a change waits for other processes to finish their own: far longer than a write takes, also when
+// one of them makes change after change, and short enough to bear if it hangs. Then the change goes on
+// without the lock.
+constexpr int lockAttempts = 200;
 constexpr auto lockPause = std::chrono::milliseconds(2);
 
 // A file changed twice within one tick of the file system's clock may look unchanged.

@@ -13,7 +13,9 @@ bool Rect::contains(Point p) const {
   return !isEmpty() && p.x >= minX() && p.x < maxX() && p.y >= minY() && p.y < maxY();
 }
 
-bool Rect::intersects(const Rect& other) const { return !intersection(other).isEmpty(); }
+bool Rect::intersects(const Rect& other) const {
+  return !intersection(other).isEmpty();
+}
 
 Rect Rect::intersection(const Rect& other) const {
   if (isEmpty() || other.isEmpty()) return {};

@@ -11,9 +11,9 @@ namespace tessaspaces {
 /// takes. Key codes and mask bits are those of the Carbon event manager on every platform, so that one
 /// configuration file means the same everywhere; a platform maps them to its own.
 struct KeyCombo {
-  static constexpr std::uint32_t command = 0x100;   // Super on X11
+  static constexpr std::uint32_t command = 0x100;  // Super on X11
   static constexpr std::uint32_t shift = 0x200;
-  static constexpr std::uint32_t option = 0x800;    // Alt on X11
+  static constexpr std::uint32_t option = 0x800;  // Alt on X11
   static constexpr std::uint32_t control = 0x1000;
   static constexpr std::uint32_t allModifiers = command | shift | option | control;
 

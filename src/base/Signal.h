@@ -61,8 +61,7 @@ class Signal {
     std::function<void(Args...)> observer;
     bool connected;
   };
-  std::shared_ptr<std::vector<std::shared_ptr<Slot>>> slots_ =
-      std::make_shared<std::vector<std::shared_ptr<Slot>>>();
+  std::shared_ptr<std::vector<std::shared_ptr<Slot>>> slots_ = std::make_shared<std::vector<std::shared_ptr<Slot>>>();
 };
 
 }  // namespace tessaspaces

@@ -5,13 +5,19 @@
 namespace tessaspaces::SLS {
 namespace {
 
-WindowServer& server() { return platform().windowServer(); }
+WindowServer& server() {
+  return platform().windowServer();
+}
 
 }  // namespace
 
-std::int32_t cid() { return server().mainConnectionID(); }
+std::int32_t cid() {
+  return server().mainConnectionID();
+}
 
-std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() { return server().copyManagedDisplaySpaces(); }
+std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() {
+  return server().copyManagedDisplaySpaces();
+}
 
 SpaceID managedDisplayGetCurrentSpace(std::string_view display) {
   return server().managedDisplayGetCurrentSpace(display);
@@ -21,7 +27,9 @@ void managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {
   server().managedDisplaySetCurrentSpace(display, space);
 }
 
-std::optional<std::vector<WindowID>> copyWindowsOnSpace(SpaceID space) { return server().copyWindowsOnSpace(space); }
+std::optional<std::vector<WindowID>> copyWindowsOnSpace(SpaceID space) {
+  return server().copyWindowsOnSpace(space);
+}
 
 std::optional<std::vector<SpaceID>> copySpacesForWindows(int mask, std::span<const WindowID> windows) {
   return server().copySpacesForWindows(mask, windows);

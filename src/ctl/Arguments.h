@@ -12,9 +12,9 @@ namespace tessaspaces::ctl {
 
 enum class ExitCode : int {
   success = 0,
-  refused = 1,      // understood, but it could not be done; the reason is on standard error
-  usage = 2,        // the words make no command
-  noPlatform = 3,   // there is no window server, or no window manager, to talk to
+  refused = 1,     // understood, but it could not be done; the reason is on standard error
+  usage = 2,       // the words make no command
+  noPlatform = 3,  // there is no window server, or no window manager, to talk to
 };
 
 struct Help {};
@@ -46,8 +46,8 @@ struct UsageError {
   std::string message;
 };
 
-using Request =
-    std::variant<UsageError, Help, Version, List, Switch, Move, SelfTest, ConfigList, ConfigGet, ConfigSet, ConfigUnset>;
+using Request = std::variant<UsageError, Help, Version, List, Switch, Move, SelfTest, ConfigList, ConfigGet, ConfigSet,
+                             ConfigUnset>;
 
 struct CommandLine {
   Request request;

@@ -60,8 +60,8 @@ ExitCode run(const Move& request, std::ostream& /*out*/, std::ostream& err) {
   }
   if (plan.desktop.outcome != Spaces::CommandOutcome::ready) return refuse(err, reasonFor(plan.desktop));
   if (Spaces::carryOut(plan)) return ExitCode::success;
-  return refuse(err, "the window manager did not move the window to desktop " +
-                         std::to_string(plan.desktop.toIndex + 1));
+  return refuse(err,
+                "the window manager did not move the window to desktop " + std::to_string(plan.desktop.toIndex + 1));
 }
 
 ExitCode run(const SelfTest& /*request*/, std::ostream& out, std::ostream& err) {

@@ -64,15 +64,17 @@ const std::vector<Case>& cases() {
   return table;
 }
 
-std::string text(std::optional<std::int64_t> index) { return index ? std::to_string(*index) : "nil"; }
+std::string text(std::optional<std::int64_t> index) {
+  return index ? std::to_string(*index) : "nil";
+}
 
 }  // namespace
 
 SelfTestResult runCirculationSelfTest() {
   std::vector<std::string> failures;
   for (const auto& test : cases()) {
-    const auto got = neighbor(test.index, test.direction, test.count, test.columns, test.circulate, test.vertically,
-                              test.join);
+    const auto got =
+        neighbor(test.index, test.direction, test.count, test.columns, test.circulate, test.vertically, test.join);
     if (got != test.expected) {
       failures.push_back(std::string(test.name) + ": expected " + text(test.expected) + ", got " + text(got));
     }
@@ -92,6 +94,8 @@ SelfTestResult runCirculationSelfTest() {
   return result;
 }
 
-std::string selfTestCirculation() { return runCirculationSelfTest().report; }
+std::string selfTestCirculation() {
+  return runCirculationSelfTest().report;
+}
 
 }  // namespace tessaspaces::Spaces

@@ -27,7 +27,9 @@ std::optional<HotkeyDisplay> desktopsForHotkey() {
   return display;
 }
 
-int count(const HotkeyDisplay& display) { return static_cast<int>(display.snap.desktops.size()); }
+int count(const HotkeyDisplay& display) {
+  return static_cast<int>(display.snap.desktops.size());
+}
 
 /// Finds the display and the desktop it is on: what every move by direction starts from.
 DesktopPlan planFromCurrent() {

@@ -25,7 +25,7 @@ enum class CommandOutcome {
   atGridEdge,        // nothing lies in that direction
   noSuchDesktop,     // the number is not one of the display's desktops
   noFocusedWindow,
-  unsupported,       // this system version does not let windows of others be moved without a helper
+  unsupported,  // this system version does not let windows of others be moved without a helper
 };
 
 /// A command worked out but not carried out. `target` is set exactly when the outcome is `ready`.

@@ -12,7 +12,9 @@ constexpr std::array<std::string_view, 4> directionNames{"left", "right", "up", 
 
 }  // namespace
 
-std::string_view name(GridDirection direction) { return directionNames[static_cast<std::size_t>(direction)]; }
+std::string_view name(GridDirection direction) {
+  return directionNames[static_cast<std::size_t>(direction)];
+}
 
 std::optional<GridDirection> directionNamed(std::string_view name) {
   const auto* found = std::find(directionNames.begin(), directionNames.end(), name);

@@ -18,7 +18,9 @@ constexpr int allSpacesMask = 7;
 /// From here on the window server offers its own operations and the external one is not asked.
 constexpr OperatingSystemVersion nativeVersion{27, 0};
 
-std::optional<SpaceID> idOf(const ManagedSpace& space) { return space.id64 ? space.id64 : space.managedSpaceID; }
+std::optional<SpaceID> idOf(const ManagedSpace& space) {
+  return space.id64 ? space.id64 : space.managedSpaceID;
+}
 
 std::vector<DesktopRef> userDesktops(const ManagedDisplay& display) {
   const std::string displayID = display.displayIdentifier.value_or("");
@@ -104,7 +106,9 @@ SpacesSnapshot enumerate(WithWindows withWindows) {
   return snapshot;
 }
 
-std::vector<WindowID> ids(SpaceID onSpace) { return SLS::copyWindowsOnSpace(onSpace).value_or(std::vector<WindowID>{}); }
+std::vector<WindowID> ids(SpaceID onSpace) {
+  return SLS::copyWindowsOnSpace(onSpace).value_or(std::vector<WindowID>{});
+}
 
 std::vector<SpaceID> allSpaceIDs(const std::string& displayUUID) {
   std::vector<SpaceID> all;
@@ -116,13 +120,15 @@ std::vector<SpaceID> allSpaceIDs(const std::string& displayUUID) {
   return all;
 }
 
-SpaceID currentSpaceID(const std::string& displayUUID) { return SLS::managedDisplayGetCurrentSpace(displayUUID); }
+SpaceID currentSpaceID(const std::string& displayUUID) {
+  return SLS::managedDisplayGetCurrentSpace(displayUUID);
+}
 
 std::optional<int> currentDesktopIndex(const SpacesSnapshot& snapshot, const std::string& displayUUID) {
   const auto& desktops = snapshot.desktops;
   const SpaceID current = currentSpaceID(displayUUID);
-  const auto match = std::find_if(desktops.begin(), desktops.end(),
-                                  [&](const auto& desktop) { return desktop->spaceID == current; });
+  const auto match =
+      std::find_if(desktops.begin(), desktops.end(), [&](const auto& desktop) { return desktop->spaceID == current; });
   if (match != desktops.end()) return static_cast<int>(match - desktops.begin());
   return firstCurrentIndex(snapshot);
 }
@@ -194,8 +200,12 @@ void forgetEverything() {
   activeSpaces().lastKnownActiveSpaceID.clear();
 }
 
-bool askYabaiFirst() { return platform().operatingSystemVersion() < nativeVersion; }
+bool askYabaiFirst() {
+  return platform().operatingSystemVersion() < nativeVersion;
+}
 
-bool movesWindowsNatively() { return platform().operatingSystemVersion() >= nativeVersion; }
+bool movesWindowsNatively() {
+  return platform().operatingSystemVersion() >= nativeVersion;
+}
 
 }  // namespace tessaspaces::Spaces

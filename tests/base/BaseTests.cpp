@@ -37,15 +37,11 @@ TEST(KeyCombo, ReadsAsTheUserSeesIt) {
     const char* text;
   } cases[] = {
       {{49, 0xA00}, "⌥⇧Space"},  // option before shift
-      {{18, 0x1B00}, "⌃⌥⇧⌘1"},
-      {{18, 0x1800}, "⌃⌥1"},
-      {{29, 0x100}, "⌘0"},
-      {{25, 0x100}, "⌘9"},
-      {{126, 0x1000}, "⌃↑"},
-      {{0, 0x100}, "⌘?"},
+      {{18, 0x1B00}, "⌃⌥⇧⌘1"},  {{18, 0x1800}, "⌃⌥1"},
+      {{29, 0x100}, "⌘0"},      {{25, 0x100}, "⌘9"},
+      {{126, 0x1000}, "⌃↑"},    {{0, 0x100}, "⌘?"},
       {{124, 0}, "—"},  // no modifier: never registered
-      {KeyCombo::none(), "—"},
-      {{KeyCombo::noKeyCode, 0x100}, "—"},
+      {KeyCombo::none(), "—"},  {{KeyCombo::noKeyCode, 0x100}, "—"},
   };
   for (const auto& test : cases) EXPECT_EQ(test.combo.display(), test.text) << test.combo.keyCode;
 }

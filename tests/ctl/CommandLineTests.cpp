@@ -31,11 +31,23 @@ class CommandLine : public CoreTest {
 };
 
 TEST_F(CommandLine, WordsThatMakeNoCommandAreUsageErrors) {
-  const std::vector<std::string> cases[] = {
-      {},          {"fly"},          {"switch"},        {"switch", "north"},        {"switch", "3x"},
-      {"switch", "99999999999999"},  {"switch", "left", "right"},                   {"move"},
-      {"move", "3"}, {"list", "--xml"}, {"config"},      {"config", "get"},         {"config", "set", "logLevel"},
-      {"--colour", "list"},          {"--platform"},    {"selftest", "now"},        {"config", "list", "all"}};
+  const std::vector<std::string> cases[] = {{},
+                                            {"fly"},
+                                            {"switch"},
+                                            {"switch", "north"},
+                                            {"switch", "3x"},
+                                            {"switch", "99999999999999"},
+                                            {"switch", "left", "right"},
+                                            {"move"},
+                                            {"move", "3"},
+                                            {"list", "--xml"},
+                                            {"config"},
+                                            {"config", "get"},
+                                            {"config", "set", "logLevel"},
+                                            {"--colour", "list"},
+                                            {"--platform"},
+                                            {"selftest", "now"},
+                                            {"config", "list", "all"}};
   for (const auto& words : cases) {
     const auto outcome = call(words);
     EXPECT_EQ(outcome.code, 2) << testing::PrintToString(words);
@@ -106,9 +118,12 @@ TEST_F(CommandLine, SettingsAreCheckedBeforeTheyAreStored) {
   EXPECT_EQ(call({"config", "get", "grid.rows"}).out, "5\n") << "the prefix may be left out";
   EXPECT_EQ(call({"config", "set", "circulation.join", "sameRow"}).code, 0);
   EXPECT_EQ(call({"config", "get", "circulation.join"}).out, "sameRow\n");
-  for (const auto& [key, value] : std::vector<std::pair<std::string, std::string>>{
-           {"grid.rows", "many"}, {"grid.rows", "17"}, {"circulation.enabled", "maybe"}, {"hotkey.0", "-1"},
-           {"hotkey.0", "banana"}, {"no.such", "1"}}) {
+  for (const auto& [key, value] : std::vector<std::pair<std::string, std::string>>{{"grid.rows", "many"},
+                                                                                   {"grid.rows", "17"},
+                                                                                   {"circulation.enabled", "maybe"},
+                                                                                   {"hotkey.0", "-1"},
+                                                                                   {"hotkey.0", "banana"},
+                                                                                   {"no.such", "1"}}) {
     const auto outcome = call({"config", "set", key, value});
     EXPECT_EQ(outcome.code, 1) << key << " " << value;
     EXPECT_THAT(outcome.err, HasSubstr(key));

@@ -68,8 +68,7 @@ TEST_F(Commands, JumpToADesktopByItsNumber) {
   EXPECT_EQ(current(), 4u);
   for (const int number : {0, -1, 7}) {
     EXPECT_THAT(run([&] { return Spaces::switchToDesktop(number); }, false),
-                ElementsAre("[WARNING] HOTKEY: desktop number " + std::to_string(number) +
-                            " doesn't exist (have 6)"));
+                ElementsAre("[WARNING] HOTKEY: desktop number " + std::to_string(number) + " doesn't exist (have 6)"));
   }
   EXPECT_EQ(current(), 4u);
 }
@@ -79,9 +78,9 @@ TEST_F(Commands, RefuseWithoutADisplayOrACurrentDesktop) {
   EXPECT_THAT(run([] { return Spaces::switchToNeighbor(right); }, false),
               ElementsAre("[ERROR] HOTKEY: could not determine current desktop"));
   world().edit([](WorldState& state) { state.displays[0].screenHasIdentifier = false; });
-  for (const auto& command : std::vector<std::function<bool()>>{[] { return Spaces::switchToNeighbor(right); },
-                                                                [] { return Spaces::switchToDesktop(1); },
-                                                                [] { return Spaces::moveFocusedWindowToNeighbor(up); }}) {
+  for (const auto& command : std::vector<std::function<bool()>>{
+           [] { return Spaces::switchToNeighbor(right); }, [] { return Spaces::switchToDesktop(1); },
+           [] { return Spaces::moveFocusedWindowToNeighbor(up); }}) {
     EXPECT_THAT(run(command, false), ElementsAre("[ERROR] HOTKEY: no display under the cursor"));
   }
   EXPECT_FALSE(world().asked(Operation::bridgedShowSpaces));

@@ -158,9 +158,8 @@ TEST_F(Switching, EachWayToMoveAWindowIsTriedInTurn) {
     EXPECT_EQ(world().spacesOf(window), std::vector<SpaceID>{ignored < 4 ? 2u : 1u});
     const std::string id = std::to_string(window);
     EXPECT_THAT(takeLog(),
-                ElementsAre(ignored < 4
-                                ? "[INFO] MOVE OK [" + id + "] -> space 2 VIA " + methods[ignored]
-                                : "[ERROR] MOVE FAILED [" + id + "] -> space 2 (likely SIP / newer macOS)"));
+                ElementsAre(ignored < 4 ? "[INFO] MOVE OK [" + id + "] -> space 2 VIA " + methods[ignored]
+                                        : "[ERROR] MOVE FAILED [" + id + "] -> space 2 (likely SIP / newer macOS)"));
     const auto compat = world().calls(Operation::spaceSetCompatID);
     if (ignored >= 2) {
       EXPECT_EQ(compat.back(), "spaceSetCompatID(2, 0)");

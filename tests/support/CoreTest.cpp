@@ -47,6 +47,8 @@ std::vector<std::string> CoreTest::takeLog() {
   return lines;
 }
 
-void CoreTest::put(std::string_view key, long long value) { ConfigStore::set(std::string(key), value); }
+void CoreTest::put(std::string_view key, long long value) {
+  ConfigStore::set(std::string(key), value);
+}
 
 }  // namespace tessaspaces

@@ -1,38 +1,56 @@
 #include "app/Alerts.h"
 
-#include <QMessageBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <utility>
 
-#include "app/Icons.h"
+#include "app/Chrome.h"
+#include "app/Text.h"
 
 namespace tessaspaces::Alerts {
 namespace {
 
-void prepare(QMessageBox& box, const QString& title, const QString& body) {
-  box.setWindowTitle(QStringLiteral("tessa⊞spaces"));
-  box.setIconPixmap(Icons::application().pixmap(QSize(56, 56), box.devicePixelRatio()));
-  box.setTextFormat(Qt::PlainText);
-  box.setText(title);
-  box.setInformativeText(body);
-  box.setStandardButtons(QMessageBox::Ok);
-  box.setDefaultButton(QMessageBox::Ok);
-}
+class Alert final : public Panel {
+ public:
+  Alert(QString title, QString body) : Panel("alert.title", 460), title_(std::move(title)), body_(std::move(body)) {}
+
+ private:
+  void populate(QVBoxLayout& layout) override {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(18);
+    row->addWidget(new Picture(Picture::Kind::icon, 56), 0, Qt::AlignTop);
+    auto* column = new QVBoxLayout;
+    column->setSpacing(8);
+    column->addWidget(makeHeading(title_, 2));
+    auto* body = new QLabel(body_);
+    body->setWordWrap(true);
+    body->setTextFormat(Qt::PlainText);
+    column->addWidget(body);
+    column->addStretch();
+    row->addLayout(column, 1);
+    layout.addLayout(row);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    setDefaultButton(addButton(*buttons, localized("alert.ok"), [this] { accept(); }));
+    layout.addLayout(buttons);
+    setAccessibleDescription(title_ + "\n" + body_);
+  }
+
+  QString title_;
+  QString body_;
+};
 
 }  // namespace
 
 void info(const QString& title, const QString& body) {
-  auto* box = new QMessageBox;
-  box->setAttribute(Qt::WA_DeleteOnClose);
-  prepare(*box, title, body);
-  box->setModal(false);
-  box->show();
-  box->raise();
-  box->activateWindow();
+  (new Alert(title, body))->present();
 }
 
 void infoAndWait(const QString& title, const QString& body) {
-  QMessageBox box;
-  prepare(box, title, body);
-  box.exec();
+  auto* alert = new Alert(title, body);
+  alert->present();
+  alert->exec();
 }
 
 }  // namespace tessaspaces::Alerts

@@ -135,6 +135,13 @@ QLabel* makeHeading(const QString& text, int steps) {
   return label;
 }
 
+QPushButton* makeButton(const QString& text) {
+  auto* button = new QPushButton(text);
+  const QSize hint = button->sizeHint();
+  button->setMinimumSize(qMax(104, hint.width() + 20), qMax(30, hint.height() + 4));
+  return button;
+}
+
 QHBoxLayout* makeRow(State state, const QString& title, const QString& detail) {
   auto* row = new QHBoxLayout;
   row->setSpacing(12);
@@ -152,7 +159,7 @@ QHBoxLayout* makeRow(State state, const QString& title, const QString& detail) {
   return row;
 }
 
-Panel::Panel(std::string titleKey) : titleKey_(std::move(titleKey)) {
+Panel::Panel(std::string titleKey, int width) : titleKey_(std::move(titleKey)), width_(width) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   auto* outer = new QVBoxLayout(this);
@@ -175,10 +182,18 @@ void Panel::rebuild() {
   auto* column = new QVBoxLayout(content_);
   column->setContentsMargins(28, 26, 28, 22);
   column->setSpacing(16);
+  default_ = nullptr;
   populate(*column);
+  // Texts of several lines do not tell a layout how high they get.
+  const int width = qMax(width_, column->totalMinimumSize().width());
+  content_->setMinimumSize(width, column->totalHeightForWidth(width));
   layout()->addWidget(content_);
-  if (focused.isEmpty()) return;
-  if (auto* again = content_->findChild<QWidget*>(focused)) again->setFocus();
+  adjustSize();
+  // Only now is it the dialog's.
+  if (default_ != nullptr) default_->setDefault(true);
+  QWidget* again = focused.isEmpty() ? nullptr : content_->findChild<QWidget*>(focused);
+  if (again == nullptr || !again->isEnabled()) again = default_;
+  if (again != nullptr) again->setFocus();
 }
 
 void Panel::present() {
@@ -189,8 +204,7 @@ void Panel::present() {
 }
 
 QPushButton* Panel::addButton(QHBoxLayout& row, const QString& text, std::function<void()> clicked) {
-  auto* button = new QPushButton(text);
-  button->setMinimumWidth(104);
+  auto* button = makeButton(text);
   connect(button, &QPushButton::clicked, this, std::move(clicked));
   row.addWidget(button);
   return button;

@@ -73,6 +73,9 @@ class Picture final : public QWidget {
 /// A heading, `steps` points larger than the text.
 [[nodiscard]] QLabel* makeHeading(const QString& text, int steps);
 
+/// A push button with room around its text.
+[[nodiscard]] QPushButton* makeButton(const QString& text);
+
 /// A line of state, title and explanation.
 [[nodiscard]] QHBoxLayout* makeRow(State state, const QString& title, const QString& detail);
 
@@ -84,17 +87,22 @@ class Panel : public QDialog {
   void present();
 
  protected:
-  explicit Panel(std::string titleKey);
+  /// `width` in points; the height is what the contents need.
+  Panel(std::string titleKey, int width);
   /// Builds the contents into an empty layout.
   virtual void populate(QVBoxLayout& layout) = 0;
   /// Throws the contents away and builds them again.
   void rebuild();
+  /// The button that Enter presses wherever the keyboard is; it has the keyboard at first.
+  void setDefaultButton(QPushButton* button) { default_ = button; }
   /// A button at the end of the row.
   QPushButton* addButton(QHBoxLayout& row, const QString& text, std::function<void()> clicked);
 
  private:
   std::string titleKey_;
+  int width_;
   QWidget* content_ = nullptr;
+  QPushButton* default_ = nullptr;
   ScopedConnection language_;
 };
 

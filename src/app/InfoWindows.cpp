@@ -10,10 +10,9 @@
 
 namespace tessaspaces {
 
-AboutWindow::AboutWindow() : Panel("about.title") {}
+AboutWindow::AboutWindow() : Panel("about.title", 400) {}
 
 void AboutWindow::populate(QVBoxLayout& layout) {
-  setFixedWidth(420);
   layout.setSpacing(10);
   layout.addWidget(new Picture(Picture::Kind::icon, 96), 0, Qt::AlignHCenter);
   layout.addSpacing(4);
@@ -30,16 +29,15 @@ void AboutWindow::populate(QVBoxLayout& layout) {
   layout.addSpacing(10);
   auto* row = new QHBoxLayout;
   row->addStretch();
-  addButton(*row, localized("about.close"), [this] { close(); })->setDefault(true);
+  setDefaultButton(addButton(*row, localized("about.close"), [this] { close(); }));
   row->addStretch();
   layout.addLayout(row);
 }
 
 PermissionsWindow::PermissionsWindow(std::function<void()> request)
-    : Panel("permissions.title"), request_(std::move(request)) {}
+    : Panel("permissions.title", 560), request_(std::move(request)) {}
 
 void PermissionsWindow::populate(QVBoxLayout& layout) {
-  setMinimumWidth(540);
   layout.addWidget(makeHeading(localized("permissions.heading"), 6));
   layout.addWidget(new QuietLabel(localized("permissions.body")));
   auto* card = new Card;
@@ -61,9 +59,9 @@ void PermissionsWindow::populate(QVBoxLayout& layout) {
   addButton(*row, localized("menu.requestPermissionsAgain"), [this] {
     request_();
     rebuild();
-  })->setAutoDefault(false);
+  });
   row->addStretch();
-  addButton(*row, localized("permissions.close"), [this] { close(); })->setDefault(true);
+  setDefaultButton(addButton(*row, localized("permissions.close"), [this] { close(); }));
   layout.addLayout(row);
 }
 

@@ -60,7 +60,7 @@ QString describe(const HotKeyClashes::GroupReport& report) {
 
 }  // namespace
 
-LaunchWindow::LaunchWindow(LaunchWindowController& controller) : Panel("launch.title"), controller_(controller) {
+LaunchWindow::LaunchWindow(LaunchWindowController& controller) : Panel("launch.title", 640), controller_(controller) {
   hotkeys_ = Notifications::observe(Notifications::hotkeysChanged, [this] { refresh(); });
 }
 
@@ -69,10 +69,10 @@ void LaunchWindow::refresh() {
 }
 
 void LaunchWindow::populate(QVBoxLayout& layout) {
-  setMinimumWidth(600);
   addIntroduction(layout);
-  addChecks(layout);
+  // What there is to do comes first.
   if (controller_.isReady()) addHotKeys(layout);
+  addChecks(layout);
   layout.addStretch();
   addButtons(layout);
 }
@@ -92,9 +92,11 @@ void LaunchWindow::addIntroduction(QVBoxLayout& layout) {
   row->setSpacing(18);
   row->addWidget(new Picture(Picture::Kind::icon, 64), 0, Qt::AlignTop);
   auto* column = new QVBoxLayout;
-  column->setSpacing(4);
+  column->setSpacing(6);
+  column->addStretch();
   column->addWidget(makeHeading(localized(heading), 6));
   column->addWidget(new QuietLabel(localized(body)));
+  column->addStretch();
   row->addLayout(column, 1);
   layout.addLayout(row);
 }
@@ -144,11 +146,11 @@ void LaunchWindow::addGroup(QVBoxLayout& layout, const HotKeyClashes::GroupRepor
     boxes.push_back(box);
   }
   controls->addStretch();
-  auto* attempt = new QPushButton(localized("launch.keys.try"));
+  auto* attempt = makeButton(localized("launch.keys.tryAgain"));
   attempt->setAccessibleDescription(title);
   attempt->setObjectName(QStringLiteral("try%1").arg(rawValue(group)));
   controls->addWidget(attempt);
-  auto* suggest = new QPushButton(localized("launch.keys.suggest"));
+  auto* suggest = makeButton(localized("launch.keys.suggest"));
   suggest->setAccessibleDescription(title);
   suggest->setToolTip(localized("launch.keys.suggestHint"));
   suggest->setObjectName(QStringLiteral("suggest%1").arg(rawValue(group)));
@@ -201,7 +203,7 @@ void LaunchWindow::addButtons(QVBoxLayout& layout) {
   auto* row = new QHBoxLayout;
   row->setSpacing(10);
   if (!controller_.isReady()) {
-    addButton(*row, localized("launch.quit"), [] { QCoreApplication::quit(); })->setAutoDefault(false);
+    addButton(*row, localized("launch.quit"), [] { QCoreApplication::quit(); });
   }
   row->addStretch();
   const bool foreign =
@@ -210,10 +212,10 @@ void LaunchWindow::addButtons(QVBoxLayout& layout) {
     addButton(*row, localized("launch.continue"), [this] {
       close();
       controller_.continueAnyway();
-    })->setAutoDefault(false);
+    });
   } else {
-    auto* done = addButton(*row, localized(controller_.isReady() ? "launch.done" : "launch.hide"), [this] { close(); });
-    done->setDefault(true);
+    setDefaultButton(
+        addButton(*row, localized(controller_.isReady() ? "launch.done" : "launch.hide"), [this] { close(); }));
   }
   layout.addLayout(row);
 }

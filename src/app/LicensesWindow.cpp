@@ -61,10 +61,9 @@ QString noticeOf(const Library& library) {
 
 }  // namespace
 
-LicensesWindow::LicensesWindow() : Panel("licenses.title") {}
+LicensesWindow::LicensesWindow() : Panel("licenses.title", 780) {}
 
 void LicensesWindow::populate(QVBoxLayout& layout) {
-  resize(780, 520);
   layout.addWidget(makeHeading(localized("licenses.heading"), 6));
   layout.addWidget(new QuietLabel(localized("licenses.body")));
   auto* columns = new QHBoxLayout;
@@ -79,6 +78,7 @@ void LicensesWindow::populate(QVBoxLayout& layout) {
   }
   auto* notice = new QPlainTextEdit;
   notice->setReadOnly(true);
+  notice->setMinimumHeight(340);
   notice->setTabChangesFocus(true);
   notice->setAccessibleName(localized("licenses.notice"));
   connect(list, &QListWidget::currentRowChanged, notice, [notice](int row) {
@@ -90,9 +90,8 @@ void LicensesWindow::populate(QVBoxLayout& layout) {
   layout.addLayout(columns, 1);
   auto* row = new QHBoxLayout;
   row->addStretch();
-  addButton(*row, localized("licenses.close"), [this] { close(); })->setDefault(true);
+  setDefaultButton(addButton(*row, localized("licenses.close"), [this] { close(); }));
   layout.addLayout(row);
-  list->setFocus();
 }
 
 }  // namespace tessaspaces

@@ -72,10 +72,12 @@ std::optional<ChosenPlatform> choosePlatform(Options::PlatformChoice choice, std
 }
 
 std::unique_ptr<Platform> openPlatform(const ChosenPlatform& chosen, std::unique_ptr<Dispatch> dispatch,
-                                       std::string& error) {
+                                       [[maybe_unused]] std::function<void()> lost, std::string& error) {
   if (chosen.simulated) return SimulatedPlatform::fromText(sampleWorld, &error, std::move(dispatch));
 #ifdef TESSASPACES_HAS_X11
-  return X11Platform::open(std::move(dispatch), &error);
+  auto x11 = X11Platform::open(std::move(dispatch), &error);
+  if (x11) x11->setConnectionLostHandler(std::move(lost));
+  return x11;
 #else
   error = noDisplayMessage();
   return nullptr;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/Options.h"
@@ -19,8 +21,9 @@ struct ChosenPlatform {
 /// Absent, with a message for the user in `error`, when there is no display to run on.
 [[nodiscard]] std::optional<ChosenPlatform> choosePlatform(Options::PlatformChoice choice, std::string& error);
 
-/// Needs the Qt application. Null, with a message in `error`, when it cannot be had after all.
+/// Needs the Qt application. Null, with a message in `error`, when it cannot be had after all. `lost` runs
+/// on the main thread when the display has gone and with it everything to do.
 [[nodiscard]] std::unique_ptr<Platform> openPlatform(const ChosenPlatform& chosen, std::unique_ptr<Dispatch> dispatch,
-                                                     std::string& error);
+                                                     std::function<void()> lost, std::string& error);
 
 }  // namespace tessaspaces

@@ -45,7 +45,8 @@ int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool firs
   auto dispatch = std::make_unique<QtDispatch>();
   QtDispatch& queue = *dispatch;
   std::string error;
-  const auto system = openPlatform(chosen, std::move(dispatch), error);
+  const auto displayLost = [] { QCoreApplication::exit(fail("the connection to the display was lost")); };
+  const auto system = openPlatform(chosen, std::move(dispatch), displayLost, error);
   if (!system) return fail(error);
   setPlatform(system.get());
 

@@ -123,11 +123,14 @@ TEST_F(Snapshot, CachesPreviewsAndIconsWhileTheirWindowsLive) {
   world().addApplication({front.pid, "Front", std::nullopt}, picture);
   Spaces::cacheThumbnail(front.id, picture);
   const auto with = Spaces::enumerate();
-  EXPECT_THAT(with.desktops[0]->thumbs, ElementsAre(picture, nullptr));
-  EXPECT_THAT(with.desktops[0]->icons, ElementsAre(picture, nullptr));
+  for (const auto* images : {&with.desktops[0]->thumbs, &with.desktops[0]->icons}) {
+    ASSERT_EQ(images->size(), 2u);
+    EXPECT_EQ((*images)[0].get(), picture.get());
+    EXPECT_EQ((*images)[1].get(), nullptr);
+  }
 
   world().clearCalls();
-  EXPECT_EQ(Spaces::enumerate().desktops[0]->icons[0], picture);
+  EXPECT_EQ(Spaces::enumerate().desktops[0]->icons[0].get(), picture.get());
   EXPECT_EQ(world().calls(Operation::icon).size(), 1u) << "the known icon is not asked for again";
 
   world().removeWindow(front.id);
@@ -139,7 +142,9 @@ TEST_F(Snapshot, CachesPreviewsAndIconsWhileTheirWindowsLive) {
     reborn.reported.number = front.id;
     state.windows.push_back(reborn);
   });
-  for (const auto& thumb : Spaces::enumerate().desktops[0]->thumbs) EXPECT_EQ(thumb, nullptr);
+  const auto after = Spaces::enumerate();
+  ASSERT_EQ(after.desktops[0]->thumbs.size(), 2u);
+  for (const auto& thumb : after.desktops[0]->thumbs) EXPECT_EQ(thumb.get(), nullptr);
 }
 
 TEST_F(Snapshot, TheFocusedWindowIsTheFrontmostApplicationsFirst) {

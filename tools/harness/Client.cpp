@@ -1,0 +1,74 @@
+#include "harness/Client.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "harness/XServer.h"
+
+namespace tessaspaces::harness {
+namespace {
+
+constexpr std::uint32_t programPosition = 1U << 2U;  // WM_NORMAL_HINTS: these are the user's wishes, keep them
+constexpr std::uint32_t programSize = 1U << 3U;
+
+}  // namespace
+
+Client::Client(const XServer& server) : x_(server.display()) {
+  const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+  xcb_change_window_attributes(x_.get(), x_.root(), XCB_CW_EVENT_MASK, &mask);
+}
+
+xcb_window_t Client::openUnmanaged(const WindowSpec& spec) {
+  const xcb_window_t window = xcb_generate_id(x_.get());
+  const std::uint32_t values[] = {spec.colour, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+  xcb_create_window(x_.get(), XCB_COPY_FROM_PARENT, window, x_.root(), static_cast<std::int16_t>(spec.frame.x),
+                    static_cast<std::int16_t>(spec.frame.y), static_cast<std::uint16_t>(spec.frame.width),
+                    static_cast<std::uint16_t>(spec.frame.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                    x_.screen().root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
+  setTitle(window, spec.title);
+  x_.setText(window, "WM_CLASS", "STRING", spec.instance + '\0' + spec.className + '\0');
+  x_.setNumbers(window, "_NET_WM_WINDOW_TYPE", "ATOM", {x_.atom(spec.type)});
+  std::vector<std::uint32_t> hints(18);
+  hints[0] = programPosition | programSize;
+  x_.setNumbers(window, "WM_NORMAL_HINTS", "WM_SIZE_HINTS", hints);
+  if (spec.pid) {
+    char host[256] = {};
+    gethostname(host, sizeof host - 1);
+    x_.setText(window, "WM_CLIENT_MACHINE", "STRING", host);
+    x_.setNumbers(window, "_NET_WM_PID", "CARDINAL", {static_cast<std::uint32_t>(*spec.pid)});
+  }
+  if (spec.desktop) {
+    x_.setNumbers(window, "_NET_WM_DESKTOP", "CARDINAL", {static_cast<std::uint32_t>(*spec.desktop)});
+    // What the harness's i3 configuration assigns workspaces by.
+    x_.setText(window, "WM_WINDOW_ROLE", "STRING", "desktop-" + std::to_string(*spec.desktop + 1));
+  }
+  xcb_map_window(x_.get(), window);
+  x_.flush();
+  return window;
+}
+
+xcb_window_t Client::open(const WindowSpec& spec) {
+  const xcb_window_t window = openUnmanaged(spec);
+  const bool managed = x_.waitFor([&] {
+    const auto all = x_.numbers(x_.root(), "_NET_CLIENT_LIST");
+    const auto desktop = x_.number(window, "_NET_WM_DESKTOP");
+    return std::find(all.begin(), all.end(), window) != all.end() && desktop &&
+           (!spec.desktop || static_cast<int>(*desktop) == *spec.desktop);
+  });
+  if (!managed) throw Failure("the window manager did not take the window '" + spec.title + "' as it should");
+  return window;
+}
+
+void Client::close(xcb_window_t window) {
+  xcb_destroy_window(x_.get(), window);
+  x_.flush();
+}
+
+void Client::setTitle(xcb_window_t window, std::string_view title) {
+  x_.setText(window, "_NET_WM_NAME", "UTF8_STRING", title);
+  x_.setText(window, "WM_NAME", "STRING", title);
+  x_.flush();
+}
+
+}  // namespace tessaspaces::harness

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include "harness/XConnection.h"
+
+namespace tessaspaces::harness {
+
+class XServer;
+
+struct WindowSpec {
+  std::string title = "window";
+  std::string instance = "sample";   // WM_CLASS's first part
+  std::string className = "Sample";  // and its second
+  Rectangle frame{100, 100, 480, 320};
+  std::uint32_t colour = 0x4477AA;  // 0xRRGGBB
+  std::string type = "_NET_WM_WINDOW_TYPE_NORMAL";
+  std::optional<pid_t> pid = {};  // _NET_WM_PID; nothing leaves it away
+  /// From 0; nothing lets the window manager decide. i3 makes the workspace when the harness started it.
+  std::optional<int> desktop = {};
+};
+
+/// An application with windows, on a connection of its own: they all go when it goes.
+class Client {
+ public:
+  explicit Client(const XServer& server);
+
+  /// Makes a window, maps it and waits until the window manager has it in its client list, on the desktop that
+  /// was asked for; throws when that does not come about.
+  xcb_window_t open(const WindowSpec& spec = {});
+  /// The same without waiting: for storms, and where no window manager runs.
+  xcb_window_t openUnmanaged(const WindowSpec& spec = {});
+  void close(xcb_window_t window);
+  void setTitle(xcb_window_t window, std::string_view title);
+
+  [[nodiscard]] const XConnection& connection() const { return x_; }
+
+ private:
+  XConnection x_;
+};
+
+}  // namespace tessaspaces::harness

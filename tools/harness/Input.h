@@ -1,0 +1,75 @@
+#pragma once
+
+#include "base/KeyCombo.h"
+#include "harness/XConnection.h"
+
+namespace tessaspaces::harness {
+
+class XServer;
+
+/// The keyboard of a server as it is mapped right now.
+class Keymap {
+ public:
+  explicit Keymap(const XConnection& connection);
+
+  /// The key (keycode) that carries a keysym, 0 when none does. Where several do, the first one.
+  [[nodiscard]] xcb_keycode_t keyFor(std::uint32_t keysym) const;
+  /// The same for one of the product's key codes, and for each modifier of a mask.
+  [[nodiscard]] xcb_keycode_t keyFor(KeyCombo combo) const;
+  [[nodiscard]] std::vector<xcb_keycode_t> modifierKeys(std::uint32_t modifiers) const;
+  /// The X modifier mask that those keys make.
+  [[nodiscard]] static std::uint16_t modifierMask(std::uint32_t modifiers);
+
+ private:
+  xcb_keycode_t first_ = 0;
+  unsigned perKey_ = 0;
+  std::vector<std::uint32_t> keysyms_;
+};
+
+/// Real key presses, made by the server through XTEST: they run into grabs as a person's would.
+class Keyboard {
+ public:
+  explicit Keyboard(const XServer& server);
+
+  /// Modifiers down, the key down and up, modifiers up, by the mapping in force; the server has done all of it
+  /// when this returns.
+  void press(KeyCombo combo) const;
+  /// The parts of a press, for measuring only the key itself: keep modifiers down, tap, let go.
+  void hold(std::uint32_t modifiers) const;
+  void release(std::uint32_t modifiers) const;
+  void tap(xcb_keycode_t key) const;  // sent, not waited for
+
+  [[nodiscard]] Keymap keymap() const { return Keymap(x_); }
+  [[nodiscard]] const XConnection& connection() const { return x_; }
+
+ private:
+  void fake(std::uint8_t type, xcb_keycode_t key) const;
+  XConnection x_;
+};
+
+/// The pointer, moved and clicked through XTEST. Coordinates from the top left of the screen.
+class Pointer {
+ public:
+  explicit Pointer(const XServer& server);
+  void moveTo(int x, int y) const;
+  void click(int button = 1) const;
+
+ private:
+  XConnection x_;
+};
+
+/// Another program that takes keys for itself.
+class KeyHolder {
+ public:
+  explicit KeyHolder(const XServer& server);
+  /// Grabs the combo; false when somebody else has it already. Held until `letGo` or this object's end.
+  bool hold(KeyCombo combo);
+  void letGo(KeyCombo combo);
+  /// Whether somebody else holds it, left as found.
+  [[nodiscard]] bool isTaken(KeyCombo combo);
+
+ private:
+  XConnection x_;
+};
+
+}  // namespace tessaspaces::harness

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <utility>
 
 #include "app/Alerts.h"
@@ -197,7 +198,7 @@ void AppDelegate::requestPermissions() {
 }
 
 void AppDelegate::terminate() {
-  QCoreApplication::quit();
+  QCoreApplication::exit(EXIT_SUCCESS);
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {

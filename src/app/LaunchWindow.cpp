@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <array>
+#include <cstdlib>
 #include <vector>
 
 #include "app/HotKeySet.h"
@@ -203,7 +204,7 @@ void LaunchWindow::addButtons(QVBoxLayout& layout) {
   auto* row = new QHBoxLayout;
   row->setSpacing(10);
   if (!controller_.isReady()) {
-    addButton(*row, localized("launch.quit"), [] { QCoreApplication::quit(); });
+    addButton(*row, localized("launch.quit"), [] { QCoreApplication::exit(EXIT_SUCCESS); });
   }
   row->addStretch();
   const bool foreign =

@@ -20,10 +20,6 @@ class LaunchWindow final : public Panel {
   /// Looks at everything again.
   void refresh();
 
-  /// Escape and the window's own close button: before the program is ready there is nothing to return
-  /// to, so the window merely goes; the program goes on waiting.
-  void reject() override { close(); }
-
  private:
   void populate(QVBoxLayout& layout) override;
   void addIntroduction(QVBoxLayout& layout);

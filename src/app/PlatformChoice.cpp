@@ -24,16 +24,14 @@ std::string environment(const char* name) {
   return value != nullptr ? value : "";
 }
 
-bool displayAnswers() {
+/// A connection to the display; null when it does not answer.
+std::shared_ptr<void> probeDisplay() {
 #ifdef TESSASPACES_HAS_X11
-  if (environment("DISPLAY").empty()) return false;
-  xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-  const bool answers = xcb_connection_has_error(connection) == 0;
-  xcb_disconnect(connection);
-  return answers;
-#else
-  return false;
+  if (environment("DISPLAY").empty()) return nullptr;
+  std::shared_ptr<xcb_connection_t> connection(xcb_connect(nullptr, nullptr), &xcb_disconnect);
+  if (xcb_connection_has_error(connection.get()) == 0) return connection;
 #endif
+  return nullptr;
 }
 
 std::string noDisplayMessage() {
@@ -55,14 +53,15 @@ std::string noDisplayMessage() {
 std::optional<ChosenPlatform> choosePlatform(Options::PlatformChoice choice, std::string& error) {
   ChosenPlatform chosen;
   chosen.simulated = choice == Options::PlatformChoice::simulated;
+  chosen.probe = probeDisplay();
   const bool userChose = !environment("QT_QPA_PLATFORM").empty();
   if (chosen.simulated) {
-    if (!userChose && !displayAnswers()) {
+    if (!userChose && !chosen.probe) {
       chosen.qtPlugin = environment("WAYLAND_DISPLAY").empty() ? "offscreen" : "wayland;offscreen";
     }
     return chosen;
   }
-  if (!displayAnswers()) {
+  if (!chosen.probe) {
     error = noDisplayMessage();
     return std::nullopt;
   }

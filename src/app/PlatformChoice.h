@@ -16,6 +16,9 @@ struct ChosenPlatform {
   bool simulated = false;
   /// Qt's own plugin for it; empty when the user has chosen one by QT_QPA_PLATFORM.
   std::string qtPlugin;
+  /// The connection by which the display was found to answer. To be held until Qt has its own: a server
+  /// that loses its last client starts afresh and answers nobody meanwhile.
+  std::shared_ptr<void> probe;
 };
 
 /// Absent, with a message for the user in `error`, when there is no display to run on.

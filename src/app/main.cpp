@@ -52,7 +52,7 @@ int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool firs
 
   int status = EXIT_SUCCESS;
   if (first) {
-    const TerminationSignals signals([] { QCoreApplication::quit(); });
+    const TerminationSignals signals([] { QCoreApplication::exit(EXIT_SUCCESS); });
     AppDelegate delegate;
     delegate.applicationDidFinishLaunching();
     status = QApplication::exec();
@@ -83,7 +83,7 @@ int run(int argc, char** argv) {
   if (!first) {
     std::fputs("tessaspaces: another instance is already running; quit it before starting a new one.\n", stderr);
   }
-  const auto chosen = choosePlatform(options->platform, error);
+  auto chosen = choosePlatform(options->platform, error);
   if (!chosen) return first ? fail(error) : EXIT_SUCCESS;
   if (first) Log::takeReports();
 
@@ -103,6 +103,7 @@ int run(int argc, char** argv) {
   QGuiApplication::setApplicationDisplayName(QStringLiteral("tessa⊞spaces"));
   QGuiApplication::setDesktopFileName("local.tessaspaces");
   QApplication application(count, arguments.data());
+  chosen->probe.reset();
   QApplication::setWindowIcon(Icons::application());
   return runWithQt(application, *chosen, first);
 }

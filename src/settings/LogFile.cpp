@@ -11,24 +11,6 @@
 #include <ctime>
 
 namespace tessaspaces {
-namespace {
-
-void rotateIfNeeded(int descriptor, const std::filesystem::path& file, long long size, long long maxBytes) {
-  if (size < maxBytes) return;
-  // Another process may have rotated since this one opened the file, and moving the new log over the backup
-  // would lose the old one: only the file that was written to is moved, and by one process at a time.
-  if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) return;
-  struct stat opened {};
-  struct stat named {};
-  if (::fstat(descriptor, &opened) != 0 || ::stat(file.c_str(), &named) != 0) return;
-  if (opened.st_dev != named.st_dev || opened.st_ino != named.st_ino) return;
-  const auto backup = file.string() + ".1";
-  ::unlink(backup.c_str());
-  if (::rename(file.c_str(), backup.c_str()) != 0) return;  // the next line tries again
-}
-
-}  // namespace
-
 std::string logLine(std::chrono::system_clock::time_point time, LogLevel level, std::string_view message) {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
   std::tm utc{};
@@ -50,8 +32,21 @@ void appendToLog(const std::filesystem::path& file, std::string_view line, long 
     if (written < 0) break;
     line.remove_prefix(static_cast<std::size_t>(written));
   }
-  rotateIfNeeded(descriptor, file, size, maxBytes);
+  if (size >= maxBytes) rotateLog(descriptor, file);
   ::close(descriptor);
+}
+
+void rotateLog(int descriptor, const std::filesystem::path& file) {
+  // Another process may have rotated since this one opened the file, and moving the new log over the backup
+  // would lose the old one: only the file that was written to is moved, and by one process at a time.
+  if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) return;
+  struct stat opened {};
+  struct stat named {};
+  if (::fstat(descriptor, &opened) != 0 || ::stat(file.c_str(), &named) != 0) return;
+  if (opened.st_dev != named.st_dev || opened.st_ino != named.st_ino) return;
+  const auto backup = file.string() + ".1";
+  ::unlink(backup.c_str());
+  ::rename(file.c_str(), backup.c_str());  // if that fails, the next line tries again
 }
 
 }  // namespace tessaspaces

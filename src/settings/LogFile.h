@@ -17,4 +17,7 @@ namespace tessaspaces {
 /// append to one file. Failures are swallowed. The caller serialises the threads of this process.
 void appendToLog(const std::filesystem::path& file, std::string_view line, long long maxBytes);
 
+/// Moves the file to its backup if `descriptor` is open on it still and no other process is at it.
+void rotateLog(int descriptor, const std::filesystem::path& file);
+
 }  // namespace tessaspaces

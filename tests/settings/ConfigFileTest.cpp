@@ -143,7 +143,7 @@ TEST_F(ConfigFileTest, ImportsOnlyIntoAnEmptyConfiguration) {
 }
 
 TEST_F(ConfigFileTest, KeepsAFileThatItCannotRead) {
-  const std::string tooDeep(100'000, '[');
+  const std::string tooDeep = "{\"a\": " + std::string(200'000, '[') + std::string(200'000, ']') + "}";
   const std::string spoiled[] = {"", "{\"a\": 1", "[1, 2]", "\"text\"", "null", "{\"a\": \"\xff\"}", tooDeep};
   std::vector<std::string> names{"config.json"};
   for (const auto& text : spoiled) {
@@ -208,14 +208,15 @@ TEST_F(ConfigFileTest, GoesOnFromMemoryWhenItCannotWrite) {
   ASSERT_EQ(lines.error.size(), 3u);
   EXPECT_THAT(lines.error[0], HasSubstr("CONFIG: write to " + (blocked / "config.json").string() + " failed: "));
 
-  // What another process writes later does not undo it, and the next change that works writes it all.
+  // What another process writes later does not undo it, and the next change that works writes it all, even
+  // one to the value that memory holds already.
   fs::remove(blocked);
   fs::create_directory(blocked);
   writeText(blocked / "config.json", R"({"a": 7, "c": 8})");
   EXPECT_THAT(store->reloadIfChanged(), ElementsAre("c"));
   EXPECT_EQ(store->integer("a"), 1);
-  store->set("d", ConfigValue(true));
-  EXPECT_EQ(Json::parse(readText(blocked / "config.json")), Json::parse(R"({"a": 1, "b": "y", "c": 8, "d": true})"));
+  store->set("b", ConfigValue("y"));
+  EXPECT_EQ(Json::parse(readText(blocked / "config.json")), Json::parse(R"({"a": 1, "b": "y", "c": 8})"));
   EXPECT_EQ(lines.error.size(), 3u);
 }
 
@@ -246,6 +247,18 @@ TEST_F(ConfigFileTest, NoticesWhatOthersChange) {
   // A file deleted is a configuration emptied.
   fs::remove(file);
   EXPECT_THAT(mine->reloadIfChanged(), ElementsAre("a", "c", "d"));
+}
+
+TEST_F(ConfigFileTest, DoesNotTrustAFreshTimeStamp) {
+  // Two changes within one tick of the clock leave size and time the same.
+  const auto later = fs::file_time_type::clock::now() + std::chrono::hours(1);
+  writeText(file, R"({"a": 1})");
+  fs::last_write_time(file, later);
+  const auto store = open();
+  EXPECT_EQ(store->integer("a"), 1);
+  writeText(file, R"({"a": 2})");
+  fs::last_write_time(file, later);
+  EXPECT_THAT(store->reloadIfChanged(), ElementsAre("a"));
 }
 
 TEST_F(ConfigFileTest, KeepsAFileThatWasSpoiledMeanwhile) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -77,6 +78,20 @@ TEST_F(LogTest, RotatesOnTheSizeBeforeTheLine) {
   Log::error("fresh");
   EXPECT_EQ(linesIn(log()), 1u);
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"tessaspaces.log", "tessaspaces.log.1"}));
+}
+
+TEST_F(LogTest, OneProcessRotatesWhenTwoFindTheLogFull) {
+  const auto file = folder / "shared.log";
+  writeText(file, "full");
+  const int first = ::open(file.c_str(), O_WRONLY | O_APPEND);
+  const int second = ::open(file.c_str(), O_WRONLY | O_APPEND);
+  rotateLog(first, file);
+  writeText(file, "new");
+  ::close(first);
+  rotateLog(second, file);
+  ::close(second);
+  EXPECT_EQ(readText(file), "new");
+  EXPECT_EQ(readText(file.string() + ".1"), "full");
 }
 
 TEST_F(LogTest, FailsSilently) {

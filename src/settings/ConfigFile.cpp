@@ -18,11 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How long a change waits for other processes to finish their own: far longer than a write takes, also when
-// one of them makes change after change, and short enough to bear if it hangs. Then the change goes on
-// without the lock.
-constexpr int lockAttempts = 200;
+// How long a change waits for other processes to finish their own: far longer than a write takes on a busy
+// disk, and short enough to bear if one of them hangs. Then the change goes on without the lock.
+constexpr int lockAttempts = 500;
 constexpr auto lockPause = std::chrono::milliseconds(2);
+// A process that makes change after change leaves this between two of them, longer than the others pause
+// between two attempts, so that they have their turn.
+constexpr auto breath = std::chrono::milliseconds(3);
 
 // A file changed twice within one tick of the file system's clock may look unchanged.
 constexpr std::int64_t clockDoubt = 100'000'000;
@@ -60,6 +62,7 @@ struct ConfigFile::State {
   std::optional<FileStamp> stamp;
   std::int64_t stampTaken = 0;
   std::optional<FileStamp> keptAside;  // the file that already has a copy
+  std::optional<std::chrono::steady_clock::time_point> lastWrite;
 
   std::vector<std::pair<std::string, LogLevel>> pendingLogs;
 
@@ -79,6 +82,8 @@ struct ConfigFile::State {
     const bool doubtful = stamp && stampTaken - stamp->modified < clockDoubt;
     return doubtful || stampOf(file()) != stamp;
   }
+
+  [[nodiscard]] bool justWrote() const { return lastWrite && std::chrono::steady_clock::now() - *lastWrite < breath; }
 
   void noteStamp(const std::optional<FileStamp>& newStamp) {
     stamp = newStamp;
@@ -167,6 +172,7 @@ void ConfigFile::State::write(const fs::path& target, DirectoryLock::State lock,
                                                               : fmt::format("{}.{}.tmp", target.string(), ::getpid());
     auto text = serialise(values);
     auto replacement = replaceFile(target, temporary, text, observer);
+    lastWrite = std::chrono::steady_clock::now();
     if (replacement.stamp) {
       noteStamp(replacement.stamp);
       onDisk = OnDisk::parsed;
@@ -213,38 +219,40 @@ auto ConfigFile::withLoaded(const Read& read) {
 }
 
 void ConfigFile::change(const std::function<Edits(const State&)>& edit) {
-  for (int attempt = 0;; ++attempt) {
-    {
-      const std::lock_guard guard(lock_);
-      const auto target = followLinks(state_->file());
-      // No lock of this process is held while another process is waited for.
-      const DirectoryLock processes(target.parent_path());
-      if (processes.state() != DirectoryLock::State::busy || attempt >= lockAttempts) {
-        auto& state = *state_;
-        state.refresh();
-        auto edits = edit(state);
-        bool needsWrite = state.renamed || (!edits.values.empty() && !state.unwritten.empty());
-        for (auto& [key, value] : edits.values) {
-          const auto found = state.values.find(key);
-          const bool same =
-              value ? found != state.values.end() && found->second == *value : found == state.values.end();
-          if (same && !needsWrite) continue;
-          needsWrite = true;
-          if (value) {
-            state.values.insert_or_assign(key, *value);
-          } else if (found != state.values.end()) {
-            state.values.erase(found);
-          }
-          state.unwritten.insert_or_assign(key, std::move(value));
-        }
-        if (needsWrite) state.write(target, processes.state(), observer_);
-        if (!edits.note.empty()) state.pendingLogs.emplace_back(std::move(edits.note), LogLevel::info);
-        break;
-      }
-    }
+  // No lock of this process is held while another process is waited for.
+  for (int attempt = 1; !tryChange(edit, attempt < lockAttempts ? Turn::wait : Turn::take); ++attempt) {
     std::this_thread::sleep_for(lockPause);
   }
   flushPendingLogs();
+}
+
+bool ConfigFile::tryChange(const std::function<Edits(const State&)>& edit, Turn turn) {
+  const std::lock_guard guard(lock_);
+  auto& state = *state_;
+  if (turn == Turn::wait && state.justWrote()) return false;
+  const auto target = followLinks(state.file());
+  const DirectoryLock processes(target.parent_path());
+  if (turn == Turn::wait && processes.state() == DirectoryLock::State::busy) return false;
+
+  state.refresh();
+  auto edits = edit(state);
+  bool needsWrite = state.renamed || (!edits.values.empty() && !state.unwritten.empty());
+  for (auto& [key, value] : edits.values) {
+    const auto found = state.values.find(key);
+    const bool missing = found == state.values.end();
+    const bool same = value ? !missing && found->second == *value : missing;
+    if (same && !needsWrite) continue;
+    needsWrite = true;
+    if (value) {
+      state.values.insert_or_assign(key, *value);
+    } else if (!missing) {
+      state.values.erase(found);
+    }
+    state.unwritten.insert_or_assign(key, std::move(value));
+  }
+  if (needsWrite) state.write(target, processes.state(), observer_);
+  if (!edits.note.empty()) state.pendingLogs.emplace_back(std::move(edits.note), LogLevel::info);
+  return true;
 }
 
 std::optional<long long> ConfigFile::integer(std::string_view key) {

@@ -59,8 +59,14 @@ class ConfigFile {
   /// Runs `read` on the loaded state under the lock, then writes out what loading made necessary.
   template <class Read>
   auto withLoaded(const Read& read);
-  /// Re-reads the file, applies what `edit` makes of the state, and writes.
+  /// Re-reads the file, applies what `edit` makes of the state, and writes; then logs.
   void change(const std::function<Edits(const State&)>& edit);
+  enum class Turn {
+    wait,  // let other processes go first
+    take   // go on whatever they do
+  };
+  /// One attempt of the above, without the logging; false when it is another process's turn.
+  bool tryChange(const std::function<Edits(const State&)>& edit, Turn turn);
   /// Hands the queued lines to the sink. Without the lock.
   void flushPendingLogs();
 

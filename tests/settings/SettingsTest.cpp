@@ -166,7 +166,7 @@ TEST_F(SettingsFacadeTest, DiagnosticsKeepTheirState) {
   EXPECT_NE(Settings::diagnosticsInstallID(), id);
 
   EXPECT_EQ(Settings::nextDiagnosticsSendDate(), std::nullopt);
-  const std::chrono::sys_time date{std::chrono::milliseconds(1'800'000'000'900)};
+  const std::chrono::sys_time<std::chrono::milliseconds> date{std::chrono::milliseconds(1'800'000'000'900)};
   Settings::setNextDiagnosticsSendDate(date);
   EXPECT_EQ(ConfigStore::integer("tessaspaces.nextDiagnosticsSend"), 1'800'000'000);
   EXPECT_EQ(Settings::nextDiagnosticsSendDate(), std::chrono::floor<std::chrono::seconds>(date));

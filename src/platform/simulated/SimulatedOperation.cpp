@@ -21,6 +21,7 @@ std::string_view operationName(Operation operation) {
     case Operation::bridgedMoveWindows: return "bridgedMoveWindows";
     case Operation::beginRead: return "beginRead";
     case Operation::windowManagerName: return "windowManagerName";
+    case Operation::setDesktopLayout: return "setDesktopLayout";
     case Operation::copyWindowInfo: return "copyWindowInfo";
     case Operation::screens: return "screens";
     case Operation::frontmost: return "frontmost";

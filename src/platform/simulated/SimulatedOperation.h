@@ -31,6 +31,7 @@ enum class Operation {
   bridgedMoveWindows,
   beginRead,
   windowManagerName,
+  setDesktopLayout,
   copyWindowInfo,
   screens,
   frontmost,

@@ -44,9 +44,27 @@ ManagedDisplay described(const SimulatedDisplay& display) {
   return description;
 }
 
+// Without a window manager nobody knows of spaces: every query is unanswered, every request refused.
+
 bool displayHas(const WorldState& state, std::string_view display, SpaceID space) {
   const auto* found = state.display(display);
-  return found && found->has(space);
+  return state.windowManager && found && found->has(space);
+}
+
+bool isKnown(const WorldState& state, SpaceID space) {
+  return state.windowManager && state.space(space);
+}
+
+bool allKnown(const WorldState& state, const std::vector<SpaceID>& spaces) {
+  return state.windowManager &&
+         std::all_of(spaces.begin(), spaces.end(), [&](SpaceID space) { return isKnown(state, space); });
+}
+
+/// The effect of moving windows to one space.
+auto placing(std::vector<WindowID> windows, SpaceID space) {
+  return [windows = std::move(windows), space](WorldState& state) {
+    if (isKnown(state, space)) rules::place(state, windows, space);
+  };
 }
 
 }  // namespace
@@ -58,8 +76,9 @@ std::int32_t SimulatedWindowServer::mainConnectionID() {
 
 std::optional<std::vector<ManagedDisplay>> SimulatedWindowServer::copyManagedDisplaySpaces() {
   if (!world_.ask(Operation::copyManagedDisplaySpaces)) return std::nullopt;
-  std::vector<ManagedDisplay> displays;
   const auto state = world_.view();
+  if (!state->windowManager) return std::nullopt;
+  std::vector<ManagedDisplay> displays;
   for (const auto& display : state->displays) {
     if (display.mirrors == 0) displays.push_back(described(display));
   }
@@ -70,7 +89,7 @@ SpaceID SimulatedWindowServer::managedDisplayGetCurrentSpace(std::string_view di
   if (!world_.ask(Operation::managedDisplayGetCurrentSpace, display)) return 0;
   const auto state = world_.state();  // asked afresh even while a consistent reading is held
   const auto* found = state->display(display);
-  return found ? found->current : 0;
+  return found && state->windowManager ? found->current : 0;
 }
 
 void SimulatedWindowServer::managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {
@@ -88,8 +107,9 @@ void SimulatedWindowServer::requestSwitch(Operation operation, std::string_view 
 
 std::optional<std::vector<WindowID>> SimulatedWindowServer::copyWindowsOnSpace(SpaceID space) {
   if (!world_.ask(Operation::copyWindowsOnSpace, std::to_string(space))) return std::nullopt;
-  std::vector<WindowID> windows;
   const auto state = world_.view();
+  if (!state->windowManager) return std::nullopt;
+  std::vector<WindowID> windows;
   if (!state->space(space)) return windows;
   for (const auto& window : state->windows) {
     if (window.isOn(space)) windows.push_back(window.id);
@@ -116,7 +136,7 @@ std::optional<std::vector<SpaceID>> SimulatedWindowServer::copySpacesForWindows(
 
 void SimulatedWindowServer::moveWindowsToManagedSpace(std::span<const WindowID> windows, SpaceID space) {
   world_.request(Operation::moveWindowsToManagedSpace, listed(windows) + ", " + std::to_string(space),
-                 [windows = copied(windows), space](WorldState& state) { rules::place(state, windows, space); });
+                 placing(copied(windows), space));
 }
 
 void SimulatedWindowServer::addWindowsToSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) {
@@ -135,7 +155,7 @@ void SimulatedWindowServer::removeWindowsFromSpaces(std::span<const WindowID> wi
 }
 
 std::int32_t SimulatedWindowServer::spaceSetCompatID(SpaceID space, std::int32_t compatID) {
-  const bool known = world_.state()->space(space) != nullptr;
+  const bool known = isKnown(*world_.state(), space);
   world_.request(Operation::spaceSetCompatID, std::to_string(space) + ", " + std::to_string(compatID),
                  [space, compatID](WorldState& state) {
                    std::erase_if(state.compatibilityIDs, [&](const auto& entry) { return entry.second == space; });
@@ -149,7 +169,7 @@ std::int32_t SimulatedWindowServer::setWindowListWorkspace(std::span<const Windo
   const auto named = now->compatibilityIDs.find(compatID);
   const auto space = named == now->compatibilityIDs.end() ? SpaceID{0} : named->second;
   world_.request(Operation::setWindowListWorkspace, listed(windows) + ", " + std::to_string(compatID),
-                 [windows = copied(windows), space](WorldState& state) { rules::place(state, windows, space); });
+                 placing(copied(windows), space));
   return space == 0 ? illegalArgument : noError;
 }
 
@@ -166,12 +186,14 @@ bool SimulatedWindowServer::offers(Operation operation, std::string_view argumen
 bool SimulatedWindowServer::perform(const ShowSpaces& operation) {
   // A window is seen where its space is current: nothing to do beyond that.
   world_.ask(Operation::bridgedShowSpaces, listed(operation.spaces));
-  return !world_.faults().unavailable.contains(Operation::bridgedShowSpaces);
+  return !world_.faults().unavailable.contains(Operation::bridgedShowSpaces) &&
+         allKnown(*world_.state(), operation.spaces);
 }
 
 bool SimulatedWindowServer::perform(const HideSpaces& operation) {
   world_.ask(Operation::bridgedHideSpaces, listed(operation.spaces));
-  return !world_.faults().unavailable.contains(Operation::bridgedHideSpaces);
+  return !world_.faults().unavailable.contains(Operation::bridgedHideSpaces) &&
+         allKnown(*world_.state(), operation.spaces);
 }
 
 bool SimulatedWindowServer::perform(const SetCurrentSpace& operation) {
@@ -184,9 +206,8 @@ bool SimulatedWindowServer::perform(const SetCurrentSpace& operation) {
 bool SimulatedWindowServer::perform(const MoveWindowsToSpace& operation) {
   const auto arguments = listed(operation.windows) + ", " + std::to_string(operation.space);
   if (!offers(Operation::bridgedMoveWindows, arguments)) return false;
-  const bool known = world_.state()->space(operation.space) != nullptr;
-  world_.request(Operation::bridgedMoveWindows, arguments,
-                 [operation](WorldState& state) { rules::place(state, operation.windows, operation.space); });
+  const bool known = isKnown(*world_.state(), operation.space);
+  world_.request(Operation::bridgedMoveWindows, arguments, placing(operation.windows, operation.space));
   return known;
 }
 
@@ -197,6 +218,10 @@ std::unique_ptr<ReadScope> SimulatedWindowServer::beginRead() {
 std::optional<std::string> SimulatedWindowServer::windowManagerName() {
   if (!world_.ask(Operation::windowManagerName)) return std::nullopt;
   return world_.state()->windowManager;
+}
+
+void SimulatedWindowServer::setDesktopLayout(int rows, int columns) {
+  world_.ask(Operation::setDesktopLayout, std::to_string(rows) + ", " + std::to_string(columns));
 }
 
 }  // namespace tessaspaces

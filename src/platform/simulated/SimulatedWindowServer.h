@@ -25,6 +25,8 @@ class SimulatedWindowServer final : public WindowServer {
   bool performBridged(const BridgedOperation& operation) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override;
   std::optional<std::string> windowManagerName() override;
+  /// Logged, and without effect.
+  void setDesktopLayout(int rows, int columns) override;
 
   // What the two error-returning operations answer when they do not know their space or compatibility id.
   static constexpr std::int32_t noError = 0;

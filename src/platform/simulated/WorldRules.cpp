@@ -54,7 +54,8 @@ void addDisplay(WorldState& state, DisplaySetup setup) {
   if (state.display(setup.name)) fatal("a simulated display '" + setup.name + "' exists already");
   SimulatedDisplay display;
   display.name = std::move(setup.name);
-  display.number = state.nextDisplay++;
+  const auto nextNumber = static_cast<DisplayID>(state.displayNumbers.size() + 1);
+  display.number = state.displayNumbers.emplace(display.name, nextNumber).first->second;
   const Point beside =
       state.displays.empty() ? Point{} : Point{state.displays.back().bounds.maxX(), state.displays.back().bounds.y};
   const auto topLeft = state.displays.empty() ? Point{} : setup.topLeft.value_or(beside);

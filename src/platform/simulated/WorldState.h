@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -83,7 +84,8 @@ struct WorldState {
   // The numbers that the next ones get; windows count from 101, so that no test mistakes one for a space.
   SpaceID nextSpace = 1;
   WindowID nextWindow = 101;
-  DisplayID nextDisplay = 1;
+  /// The number that each display has, and keeps when it is plugged in again.
+  std::map<std::string, DisplayID, std::less<>> displayNumbers;
 
   // Null when there is none.
   [[nodiscard]] SimulatedDisplay* display(std::string_view name);

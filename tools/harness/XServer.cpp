@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <xcb/randr.h>
+#include <xcb/xcbext.h>
 
 #include <array>
 #include <cstdio>
@@ -37,6 +38,24 @@ std::string readDisplayNumber(int descriptor, const Process& server) {
   return {};
 }
 
+Command serverCommand(const XServerOptions& options) {
+  Command command;
+  const std::string size = fmt::format("{}x{}", options.width, options.height);
+  command.environment = {{"PATH", "/usr/local/bin:/usr/bin:/bin"}};
+  if (options.kind == ServerKind::nested) {
+    command.arguments = {"Xephyr", "-displayfd", "3", "-screen", size, "-title", "tessa⊞spaces"};
+    for (const char* name : {"DISPLAY", "XAUTHORITY", "HOME"}) {
+      if (const char* value = std::getenv(name)) command.environment[name] = value;
+    }
+  } else {
+    command.arguments = {"Xvfb", "-displayfd", "3", "-screen", "0", size + "x24"};
+  }
+  for (const char* argument : {"-nolisten", "tcp", "-noreset", "-s", "0"}) command.arguments.emplace_back(argument);
+  command.arguments.emplace_back(options.glx == Glx::on ? "+extension" : "-extension");
+  command.arguments.emplace_back("GLX");
+  return command;
+}
+
 struct Monitor {
   std::string name;
   bool primary = false;
@@ -62,6 +81,26 @@ std::vector<Monitor> parseMonitors(std::string_view layout) {
   return monitors;
 }
 
+/// The request as it goes over the wire. libxcb 1.15's own function leaves the last part of what it sends
+/// unset, and then aborts or not as the stack will have it.
+struct SetMonitorRequest {
+  xcb_randr_set_monitor_request_t head{};
+  xcb_randr_monitor_info_t info{};
+  xcb_randr_output_t output = 0;
+};
+static_assert(sizeof(SetMonitorRequest) ==
+              sizeof(xcb_randr_set_monitor_request_t) + sizeof(xcb_randr_monitor_info_t) + sizeof(xcb_randr_output_t));
+
+void send(xcb_connection_t* connection, SetMonitorRequest& request) {
+  const std::size_t unused = request.info.nOutput == 0 ? sizeof request.output : 0;
+  // libxcb wants two free places in front of the first.
+  std::array<iovec, 3> parts{};
+  parts[2].iov_base = &request;
+  parts[2].iov_len = sizeof request - unused;
+  const xcb_protocol_request_t what{1, &xcb_randr_id, XCB_RANDR_SET_MONITOR, 1};
+  xcb_send_request(connection, 0, &parts[2], &what);
+}
+
 void deleteMonitors(XConnection& connection) {
   const auto monitors =
       connection.reply(xcb_randr_get_monitors_reply, xcb_randr_get_monitors(connection.get(), connection.root(), 0));
@@ -83,20 +122,15 @@ XServer::XServer(const XServerOptions& options) {
   for (int attempt = 0; attempt < 5 && display_.empty(); ++attempt) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) throw Failure("pipe2 failed");
-    Command command;
-    command.arguments = {
-        "Xvfb",      "-displayfd", "3",        "-screen", "0", fmt::format("{}x{}x24", options.width, options.height),
-        "-nolisten", "tcp",        "-noreset", "-s",      "0", options.glx == Glx::on ? "+extension" : "-extension",
-        "GLX"};
-    command.environment = {{"PATH", "/usr/local/bin:/usr/bin:/bin"}};
-    command.output = logFolder() / "Xvfb";
+    Command command = serverCommand(options);
+    command.output = logFolder() / "server";
     command.passedDescriptor = ends[1];
     server_ = Process(command);
     close(ends[1]);
     display_ = readDisplayNumber(ends[0], server_);
     close(ends[0]);
   }
-  if (display_.empty()) throw Failure("Xvfb did not start:\n" + server_.output());
+  if (display_.empty()) throw Failure("the X server did not start:\n" + server_.output());
   if (!options.monitors.empty()) setMonitors(options.monitors);
 }
 
@@ -124,11 +158,8 @@ void XServer::setMonitors(std::string_view layout) const {
   const xcb_randr_output_t output = *xcb_randr_get_screen_resources_current_outputs(resources.get());
   deleteMonitors(connection);
   for (std::size_t i = 0; i < monitors.size(); ++i) {
-    struct {
-      xcb_randr_monitor_info_t info;
-      xcb_randr_output_t output;
-    } request{};
-    static_assert(sizeof request == sizeof(xcb_randr_monitor_info_t) + sizeof(xcb_randr_output_t));
+    SetMonitorRequest request;
+    request.head.window = connection.root();
     request.info.name = connection.atom(monitors[i].name);
     request.info.primary = monitors[i].primary ? 1 : 0;
     request.info.x = static_cast<std::int16_t>(monitors[i].frame.x);
@@ -141,7 +172,7 @@ void XServer::setMonitors(std::string_view layout) const {
     // An output belongs to one monitor; while one has it, the server's automatic monitor is away.
     request.info.nOutput = i == 0 ? 1 : 0;
     request.output = output;
-    xcb_randr_set_monitor(connection.get(), connection.root(), &request.info);
+    send(connection.get(), request);
   }
   connection.roundTrip();
 }

@@ -13,21 +13,17 @@
 namespace tessaspaces {
 namespace {
 
-/// From here on a few milliseconds are not missed, and the system may bundle wake-ups.
-constexpr Duration coarse = std::chrono::milliseconds(100);
-
 std::chrono::milliseconds wholeMilliseconds(Duration duration) {
   return std::max(std::chrono::ceil<std::chrono::milliseconds>(duration), std::chrono::milliseconds(0));
 }
 
-Qt::TimerType timerType(Duration duration) {
-  return duration >= coarse ? Qt::CoarseTimer : Qt::PreciseTimer;
-}
+/// Qt lets the coarser kinds of timer fire early.
+constexpr Qt::TimerType exact = Qt::PreciseTimer;
 
 class TimerRegistration final : public Registration {
  public:
   TimerRegistration(Duration interval, std::function<void()> tick) : tick_(std::move(tick)) {
-    timer_.setTimerType(timerType(interval));
+    timer_.setTimerType(exact);
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
       // A copy, since a tick may let go of its own registration.
       const auto run = tick_;
@@ -129,7 +125,7 @@ void QtDispatch::sync(std::function<void()> work) {
 
 void QtDispatch::after(Duration delay, std::function<void()> work) {
   const auto start = [this, delay, work = std::move(work)] {
-    QTimer::singleShot(wholeMilliseconds(delay), timerType(delay), queue_.get(), work);
+    QTimer::singleShot(wholeMilliseconds(delay), exact, queue_.get(), work);
   };
   if (isMainThread()) {
     start();

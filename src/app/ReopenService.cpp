@@ -31,8 +31,8 @@ class ReopenService::Object final : public QDBusVirtualObject {
     if (message.member() != u"Activate" || (!message.interface().isEmpty() && message.interface() != interface)) {
       return false;
     }
-    connection.send(message.createReply());
     reopened_();
+    connection.send(message.createReply());
     return true;
   }
 

@@ -12,7 +12,7 @@ namespace tessaspaces::harness {
 struct SessionOptions {
   Manager manager = Manager::openbox;
   WindowManagerOptions desktops;
-  XServerOptions screen{1280, 800, "", Glx::off};
+  XServerOptions screen{.width = 1280, .height = 800};
 };
 
 /// A whole desktop to try the program in: server, window manager, onlooker, input, an application, and the

@@ -10,16 +10,20 @@ namespace tessaspaces::harness {
 
 enum class Glx { off, on };
 
+/// Without a screen anybody sees, or in a window on the display that DISPLAY names.
+enum class ServerKind { hidden, nested };
+
 struct XServerOptions {
   int width = 1920;
   int height = 1080;
   /// As XServer::setMonitors takes it; empty: one monitor, the whole screen.
-  std::string monitors;
+  std::string monitors = {};
   Glx glx = Glx::off;
+  ServerKind kind = ServerKind::hidden;
 };
 
-/// An Xvfb of its own with a fresh home, runtime and temporary folder, so that nothing that runs on it meets
-/// anything of the user's or of another test. All of it goes with the object.
+/// An Xvfb (or Xephyr) of its own with a fresh home, runtime and temporary folder, so that nothing that runs on it
+/// meets anything of the user's or of another test. All of it goes with the object.
 class XServer {
  public:
   explicit XServer(const XServerOptions& options = {});
@@ -39,6 +43,8 @@ class XServer {
   /// back to the server's own single monitor. The window manager learns of it by RandR's notices.
   void setMonitors(std::string_view layout) const;
 
+  /// Waits, however long, until the server ends: a nested one does when its window is closed.
+  void waitForEnd() { server_.wait(std::chrono::hours(24 * 365)); }
   /// Starts a program here; its output goes to a file of its own in `logFolder`.
   [[nodiscard]] Process start(std::vector<std::string> arguments, const Environment& extra = {}) const;
   /// Runs a program here to its end, for instance setxkbmap.

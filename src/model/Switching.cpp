@@ -1,6 +1,6 @@
 #include "model/Switching.h"
 
-#include <algorithm>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -51,9 +51,10 @@ bool verifySwitch(const DesktopInfo& target, const std::string& method) {
   return arrived;
 }
 
-bool switchBridged(const DesktopInfo& target) {
+bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading) {
   auto hiding = allSpaceIDs(target.displayUUID);
   std::erase(hiding, target.spaceID);
+  reading.reset();  // from here on the answers must be new ones
   if (!SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding)) {
     Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
     return false;
@@ -89,6 +90,8 @@ bool switchDegraded(const DesktopInfo& target) {
 }
 
 bool performSwitchTo(const DesktopInfo& target) {
+  // What is asked before the first method answers from one batch of requests.
+  auto reading = platform().windowServer().beginRead();
   const SpaceID active = currentSpaceID(target.displayUUID);
   Log::debug("SWITCH: start active={} target={} windowsOnTarget={}", active, target.spaceID, target.windows.size());
   if (active == target.spaceID) {
@@ -96,11 +99,12 @@ bool performSwitchTo(const DesktopInfo& target) {
     setLastSwitchMethod("no-op (already active)");
     return true;
   }
-  if (movesWindowsNatively() && switchBridged(target)) {
+  if (movesWindowsNatively() && switchBridged(target, std::exchange(reading, nullptr))) {
     Log::debug("SWITCH: method 'bridged' -> active={} target={} OK", active, target.spaceID);
     setLastSwitchMethod("bridged");
     return true;
   }
+  reading.reset();
   return switchByActivation(target) || switchDegraded(target);
 }
 

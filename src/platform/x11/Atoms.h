@@ -31,6 +31,7 @@ class Channel;
   X(netWmStrutPartial, "_NET_WM_STRUT_PARTIAL")            \
   X(netWmState, "_NET_WM_STATE")                           \
   X(netWmStateHidden, "_NET_WM_STATE_HIDDEN")              \
+  X(netWmStateSticky, "_NET_WM_STATE_STICKY")              \
   X(netWmWindowType, "_NET_WM_WINDOW_TYPE")                \
   X(typeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")              \
   X(typeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")              \

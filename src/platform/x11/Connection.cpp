@@ -112,19 +112,23 @@ void Connection::noteTime(xcb_timestamp_t time) {
 }
 
 xcb_timestamp_t Connection::timestamp() {
-  const auto fresh = [this] {
+  {
     const std::lock_guard lock(timeMutex_);
-    const bool recent = std::chrono::steady_clock::now() - lastTimeSeen_ < freshTime;
-    return recent ? lastTime_ : xcb_timestamp_t{XCB_CURRENT_TIME};
-  };
-  if (const auto time = fresh(); time != XCB_CURRENT_TIME) return time;
+    if (std::chrono::steady_clock::now() - lastTimeSeen_ < freshTime) return lastTime_;
+  }
+  return askTime();
+}
+
+xcb_timestamp_t Connection::askTime() {
   // Appending nothing to a property tells its watchers the time. The reply to the request after it
   // arrives behind that event.
   requests_.send<xcb_change_property>(std::uint8_t{XCB_PROP_MODE_APPEND}, timeWindow_, atoms_.netWmName,
                                       atoms_.utf8String, std::uint8_t{8}, 0U, "");
   requests_.await<xcb_get_input_focus_reply>(requests_.send<xcb_get_input_focus>());
   drainRequests();
-  return fresh();
+  const std::lock_guard lock(timeMutex_);
+  const bool answered = std::chrono::steady_clock::now() - lastTimeSeen_ < freshTime;
+  return answered ? lastTime_ : xcb_timestamp_t{XCB_CURRENT_TIME};
 }
 
 void Connection::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data) {

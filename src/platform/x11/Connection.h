@@ -37,6 +37,9 @@ class Connection {
   /// A server time for requests that want one: that of an event just seen, else asked of the server (one
   /// round trip). Window managers ignore or punish old times. Any thread.
   [[nodiscard]] xcb_timestamp_t timestamp();
+  /// The server's time now, by a round trip: for what the window manager compares with the last focus change,
+  /// whose event may not have been read yet. Any thread.
+  [[nodiscard]] xcb_timestamp_t askTime();
 
   /// Sends a client message of format 32 about `window` to the root, as pagers do, and flushes. Any thread.
   void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data);

@@ -26,6 +26,10 @@ class Reader {
   /// All client windows front to back; never null.
   Windows windows(WindowDetail detail);
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
+  /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
+  [[nodiscard]] bool inScope() { return memo() != nullptr; }
+  /// Whether this thread has a scope open.
+  [[nodiscard]] bool inScope() { return memo() != nullptr; }
 
   /// Number of desktops that a window manager serves, 0 without one, as of the last reading; reads when
   /// there was none since `forget`.

@@ -44,6 +44,7 @@ RootState RootReader::read(RootDetail detail) {
   const auto namesCookie = askText(channel, root, atoms.netDesktopNames);
   const auto viewportCookie = askProperty(channel, root, atoms.netDesktopViewport, 2 * maxDesktops);
   const auto activeCookie = askProperty(channel, root, atoms.netActiveWindow, 1);
+  const auto pointerCookie = channel.send<xcb_query_pointer>(root);
   const bool wantWindows = detail == RootDetail::windows;
   std::optional<xcb_get_property_cookie_t> stackingCookie;
   std::optional<xcb_get_property_cookie_t> listCookie;
@@ -63,6 +64,9 @@ RootState RootReader::read(RootDetail detail) {
   state.names = texts(await(namesCookie));
   state.viewports = origins(items(await(viewportCookie)));
   state.activeWindow = firstItem(await(activeCookie)).value_or(XCB_NONE);
+  if (const auto pointer = channel.await<xcb_query_pointer_reply>(pointerCookie)) {
+    state.pointer = PixelPoint{pointer->root_x, pointer->root_y};
+  }
   if (wantWindows) {
     const auto stacking = await(*stackingCookie);
     const auto list = await(*listCookie);

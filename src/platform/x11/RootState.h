@@ -10,11 +10,12 @@
 
 namespace tessaspaces {
 
-struct DesktopOrigin {
+struct PixelPoint {
   int x = 0;
   int y = 0;
-  friend bool operator==(const DesktopOrigin&, const DesktopOrigin&) = default;
+  friend bool operator==(const PixelPoint&, const PixelPoint&) = default;
 };
+using DesktopOrigin = PixelPoint;
 
 /// What the root window says about the window manager and its desktops.
 struct RootState {
@@ -26,6 +27,8 @@ struct RootState {
   std::vector<std::string> names;
   std::vector<DesktopOrigin> viewports;
   xcb_window_t activeWindow = XCB_NONE;
+  /// Pixels from the top left; absent when the server gave no answer.
+  std::optional<PixelPoint> pointer;
   /// Front to back; only with RootDetail::windows, and absent when the root lists none.
   std::optional<std::vector<xcb_window_t>> clients;
 

@@ -104,7 +104,7 @@ ImageRef X11Applications::icon(std::int32_t pid) {
 bool X11Applications::activate(std::int32_t pid) {
   const auto window = frontWindow(pid);
   if (!window) return false;
-  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, connection_.timestamp(), 0});
+  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, connection_.askTime(), 0});
   return true;
 }
 

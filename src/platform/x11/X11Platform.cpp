@@ -35,7 +35,7 @@ struct X11Platform::Parts {
   std::function<void()> lostHandler;  // main thread only
   EventPump pump{*connection, dispatch};
   Reader reader{*connection};
-  X11Screens screens{*connection};
+  X11Screens screens{*connection, reader};
   PagerLayout pagerLayout{*connection, pump};
   X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout};
   X11WindowList windowList{reader, windowServer};

@@ -29,7 +29,8 @@ std::optional<std::size_t> ScreenLayout::find(std::string_view identifier) const
   return std::nullopt;
 }
 
-X11Screens::X11Screens(Connection& connection) : connection_(connection), layout_(read()) {}
+X11Screens::X11Screens(Connection& connection, Reader& reader)
+    : connection_(connection), reader_(reader), layout_(read()) {}
 
 ScreenLayoutRef X11Screens::layout() const {
   const std::lock_guard lock(mutex_);
@@ -66,12 +67,18 @@ ScreenRef X11Screens::mainScreen() {
 }
 
 Point X11Screens::pointer() {
-  auto& channel = connection_.requests();
-  const auto reply = channel.await<xcb_query_pointer_reply>(channel.send<xcb_query_pointer>(connection_.root()));
-  if (!reply) return {};
+  std::optional<PixelPoint> pixel;
+  if (reader_.inScope()) {
+    pixel = reader_.root(RootDetail::windows)->pointer;
+  } else {
+    auto& channel = connection_.requests();
+    const auto reply = channel.await<xcb_query_pointer_reply>(channel.send<xcb_query_pointer>(connection_.root()));
+    if (reply) pixel = PixelPoint{reply->root_x, reply->root_y};
+  }
+  if (!pixel) return {};
   const auto current = layout();
   const double height = current->areas.empty() ? 0 : current->areas[0].height;
-  return {double(reply->root_x), height - 1 - reply->root_y};
+  return {double(pixel->x), height - 1 - pixel->y};
 }
 
 void X11Screens::start() {

@@ -10,6 +10,7 @@
 #include "platform/x11/DesktopMap.h"
 #include "platform/x11/EventPump.h"
 #include "platform/x11/Monitors.h"
+#include "platform/x11/Reader.h"
 
 namespace tessaspaces {
 
@@ -33,7 +34,7 @@ using ScreenLayoutRef = std::shared_ptr<const ScreenLayout>;
 /// which is also Qt's. Read once, and again when events say that something changed.
 class X11Screens : public Screens, public EventListener {
  public:
-  explicit X11Screens(Connection& connection);
+  X11Screens(Connection& connection, Reader& reader);
 
   std::vector<ScreenRef> screens() override;
   ScreenRef mainScreen() override;
@@ -52,6 +53,7 @@ class X11Screens : public Screens, public EventListener {
   [[nodiscard]] ScreenLayoutRef read() const;
 
   Connection& connection_;
+  Reader& reader_;
   bool stale_ = false;        // main thread only
   mutable std::mutex mutex_;  // guards layout_
   ScreenLayoutRef layout_;

@@ -10,6 +10,7 @@ namespace {
 
 // "Source indication" of EWMH messages: a pager acts on the user's behalf and is obeyed.
 constexpr std::uint32_t fromPager = 2;
+constexpr std::uint32_t removeState = 0;
 constexpr std::int32_t badValue = XCB_VALUE;
 
 SpaceID spaceOf(std::uint32_t desktop) {
@@ -99,17 +100,19 @@ SpaceID X11WindowServer::managedDisplayGetCurrentSpace(std::string_view display)
   return shown ? spaceOf(*shown) : 0;
 }
 
-void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view /*display*/, SpaceID space) {
-  switchTo(space);
+void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {
+  switchTo(display, space);
 }
 
 std::optional<std::vector<WindowID>> X11WindowServer::copyWindowsOnSpace(SpaceID space) {
+  // In a caller's scope these windows and those of the window list have to be the same.
+  const auto detail = reader_.inScope() ? WindowDetail::everything : WindowDetail::desktops;
   const auto scope = reader_.beginRead();
   const auto root = reader_.root(RootDetail::windows);
   if (!root->managed()) return std::nullopt;
   std::vector<WindowID> result;
   if (space == 0 || space > root->desktopCount) return result;
-  for (const auto& record : *reader_.windows(WindowDetail::desktops)) {
+  for (const auto& record : *reader_.windows(detail)) {
     if (record.desktop == desktopOf(space) || record.desktop == allDesktops) result.push_back(record.window);
   }
   return result;
@@ -180,7 +183,7 @@ bool X11WindowServer::performBridged(const BridgedOperation& operation) {
            std::all_of(spaces.begin(), spaces.end(), [this](SpaceID space) { return isKnown(space); });
   };
   return std::visit(Overloaded{[&](const ShowSpaces& show) { return allKnown(show.spaces); },
-                               [&](const SetCurrentSpace& set) { return switchTo(set.space); },
+                               [&](const SetCurrentSpace& set) { return switchTo(set.display, set.space); },
                                [&](const HideSpaces& hide) { return allKnown(hide.spaces); },
                                [&](const MoveWindowsToSpace& moving) { return move(moving.windows, moving.space); }},
                     operation);
@@ -211,8 +214,8 @@ bool X11WindowServer::isKnown(SpaceID space) {
   return space != 0 && space <= reader_.desktopCount();
 }
 
-bool X11WindowServer::switchTo(SpaceID space) {
-  if (!isKnown(space)) return false;
+bool X11WindowServer::switchTo(std::string_view display, SpaceID space) {
+  if (!screens_.layout()->find(display) || !isKnown(space)) return false;
   connection_.sendToRoot(connection_.root(), connection_.atoms().netCurrentDesktop,
                          {desktopOf(space), connection_.timestamp()});
   return true;
@@ -220,8 +223,11 @@ bool X11WindowServer::switchTo(SpaceID space) {
 
 bool X11WindowServer::move(std::span<const WindowID> windows, SpaceID space) {
   if (!isKnown(space)) return false;
+  const auto& atoms = connection_.atoms();
   for (const auto window : windows) {
-    connection_.sendToRoot(window, connection_.atoms().netWmDesktop, {desktopOf(space), fromPager});
+    // i3 keeps a window on every desktop that has this state, wherever it is sent.
+    connection_.sendToRoot(window, atoms.netWmState, {removeState, atoms.netWmStateSticky, 0, fromPager});
+    connection_.sendToRoot(window, atoms.netWmDesktop, {desktopOf(space), fromPager});
   }
   return true;
 }

@@ -51,7 +51,7 @@ class X11WindowServer : public WindowServer {
   View view();
   std::optional<std::uint32_t> current(const View& view, std::size_t monitor);
   bool isKnown(SpaceID space);
-  bool switchTo(SpaceID space);
+  bool switchTo(std::string_view display, SpaceID space);
   bool move(std::span<const WindowID> windows, SpaceID space);
 
   Connection& connection_;

@@ -24,7 +24,7 @@ struct WindowManagerOptions {
   int desktops = 4;
   OwnBindings bindings = OwnBindings::none;
   /// i3 only: the monitor that each desktop belongs to, by name, in order; empty: all on the only monitor.
-  std::vector<std::string> monitors;
+  std::vector<std::string> monitors = {};
 };
 
 /// A real window manager with a configuration made for it, running as long as this object.

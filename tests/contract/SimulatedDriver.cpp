@@ -1,0 +1,100 @@
+#include "contract/SimulatedDriver.h"
+
+#include <algorithm>
+
+#include "platform/simulated/SimulatedPlatform.h"
+
+namespace tessaspaces::contract {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class SimulatedDriver final : public WorldDriver {
+ public:
+  explicit SimulatedDriver(const std::vector<Monitor>& monitors) {
+    setMonitors(monitors);
+    settle();
+  }
+
+  Platform& platform() override { return platform_; }
+
+  bool until(const std::function<bool()>& holds) override {
+    for (int step = 0; step < 1000 && !holds(); ++step) platform_.time().advance(10ms);
+    return holds();
+  }
+  void settle() override { platform_.time().runUntilIdle(); }
+
+  WindowID open(const ClientWindow& window) override {
+    world().addApplication({window.pid, "Sample", "sample"});
+    WindowSetup setup;
+    setup.title = window.title;
+    setup.pid = window.pid;
+    setup.space = spaceAt(window.desktop);
+    setup.bounds = {double(window.x), double(window.y), double(window.width), double(window.height)};
+    return world().addWindow(setup);
+  }
+  void close(WindowID window) override { world().removeWindow(window); }
+  void makeSticky(WindowID window) override {
+    world().edit([&](WorldState& state) { state.window(window)->sticky = true; });
+  }
+  void focus(WindowID window) override { world().focusWindow(window); }
+  void showDesktop(int desktop) override { world().showSpace(spaceAt(desktop)); }
+  void setDesktopCount(int count) override {
+    const auto first = world().state()->displays.front().name;
+    world().setSpaceCount(first, static_cast<std::size_t>(count));
+  }
+  void movePointer(int x, int y) override {
+    const auto height = world().state()->displays.front().bounds.height;
+    world().setPointer({double(x), height - y - 1});
+  }
+  void pressKey(KeyCombo combo) override { platform_.pressKey(combo); }
+  void takeKey(KeyCombo combo) override { platform_.takeKey(combo); }
+  void giveKeyBack(KeyCombo combo) override { platform_.releaseKey(combo); }
+
+  void setMonitors(const std::vector<Monitor>& monitors) override {
+    const auto before = world().state();
+    for (const auto& display : before->displays) {
+      const bool stays = std::any_of(monitors.begin(), monitors.end(),
+                                     [&](const auto& monitor) { return monitor.name == display.name; });
+      if (!stays) world().removeDisplay(display.name);
+    }
+    for (const auto& monitor : monitors) {
+      const Size size{double(monitor.width), double(monitor.height)};
+      const Point topLeft{double(monitor.x), double(monitor.y)};
+      if (before->display(monitor.name)) {
+        world().resizeDisplay(monitor.name, size);
+      } else {
+        DisplaySetup setup;
+        setup.name = monitor.name;
+        setup.size = size;
+        setup.topLeft = topLeft;
+        setup.spaces.resize(desktopsPerDisplay);
+        setup.panelHeight = 24;
+        world().addDisplay(setup);
+      }
+    }
+  }
+  void setLanguages(const std::vector<std::string>& tags) override { platform_.setPreferredLanguages(tags); }
+  void stopWindowManager() override { world().setWindowManager(std::nullopt); }
+
+  [[nodiscard]] bool fixedDesktops() const override { return false; }
+  [[nodiscard]] bool sharedDesktops() const override { return false; }
+  [[nodiscard]] bool tiles() const override { return false; }
+
+ private:
+  SimulatedWorld& world() { return platform_.world(); }
+  SpaceID spaceAt(int desktop) {
+    return world().state()->displays.front().spaces.at(static_cast<std::size_t>(desktop)).id;
+  }
+
+  SimulatedPlatform platform_;
+};
+
+}  // namespace
+
+Backend simulatedBackend() {
+  return {"simulated", [](const auto& monitors) { return std::make_unique<SimulatedDriver>(monitors); }};
+}
+
+}  // namespace tessaspaces::contract

@@ -1,0 +1,197 @@
+#include "contract/X11Driver.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+#include "harness/Client.h"
+#include "harness/Input.h"
+#include "harness/Probe.h"
+#include "harness/WindowManager.h"
+#include "harness/XServer.h"
+#include "platform/loop/RunLoop.h"
+#include "platform/x11/X11Platform.h"
+
+namespace tessaspaces::contract {
+
+namespace {
+
+using harness::Failure;
+
+/// As the harness reads monitors: "*left 960x1080+0+0 | right 960x1080+960+0".
+std::string layoutOf(const std::vector<Monitor>& monitors) {
+  std::string text;
+  for (const auto& monitor : monitors) {
+    text += text.empty() ? "*" : " | ";
+    text += monitor.name + " " + std::to_string(monitor.width) + "x" + std::to_string(monitor.height) + "+" +
+            std::to_string(monitor.x) + "+" + std::to_string(monitor.y);
+  }
+  return text;
+}
+
+harness::XServerOptions serverOptions(const std::vector<Monitor>& monitors) {
+  harness::XServerOptions options;
+  options.monitors = layoutOf(monitors);
+  return options;
+}
+
+/// Desktops of their own for each monitor, where the window manager has such.
+harness::WindowManagerOptions managerOptions(harness::Manager manager, const std::vector<Monitor>& monitors) {
+  harness::WindowManagerOptions options;
+  if (manager == harness::Manager::i3) {
+    options.desktops = desktopsPerDisplay * static_cast<int>(monitors.size());
+    for (const auto& monitor : monitors)
+      options.monitors.insert(options.monitors.end(), desktopsPerDisplay, monitor.name);
+  }
+  return options;
+}
+
+/// Changes this process's environment for as long as it lives.
+class EnvironmentChange {
+ public:
+  EnvironmentChange() = default;
+  EnvironmentChange(const EnvironmentChange&) = delete;
+  EnvironmentChange& operator=(const EnvironmentChange&) = delete;
+  ~EnvironmentChange() {
+    for (const auto& [name, value] : before_) put(name, value);
+  }
+
+  void set(const std::string& name, const std::optional<std::string>& value) {
+    const char* old = std::getenv(name.c_str());
+    before_.emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
+    put(name, value);
+  }
+
+ private:
+  static void put(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+      setenv(name.c_str(), value->c_str(), 1);
+    } else {
+      unsetenv(name.c_str());
+    }
+  }
+
+  std::map<std::string, std::optional<std::string>> before_;
+};
+
+class X11Driver final : public WorldDriver {
+ public:
+  X11Driver(harness::Manager manager, const std::vector<Monitor>& monitors)
+      : server_(serverOptions(monitors)),
+        manager_(server_, manager, managerOptions(manager, monitors)),
+        clients_(server_),
+        probe_(server_),
+        keyboard_(server_),
+        pointer_(server_),
+        holder_(server_) {
+    // What this process is told of the server is what any program started there is told.
+    for (const auto& [name, value] : server_.environment()) environment_.set(name, value);
+    for (const auto* name : {"WAYLAND_DISPLAY", "XDG_CONFIG_HOME"}) environment_.set(name, std::nullopt);
+    auto loop = std::make_unique<RunLoop>();
+    loop_ = loop.get();
+    std::string error;
+    platform_ = X11Platform::open(std::move(loop), &error);
+    if (!platform_) throw Failure("the platform does not open: " + error);
+  }
+
+  Platform& platform() override { return *platform_; }
+
+  bool until(const std::function<bool()>& holds) override {
+    return loop_->runUntil(holds, loop_->now() + harness::patience);
+  }
+
+  void settle() override {
+    // The window manager takes messages in their order: when it has managed a window that was opened after
+    // them it has dealt with all before, and when the platform has seen that window, with their events.
+    platform_->windowServer().managedDisplayGetCurrentSpace("");
+    const auto sentinel = clients_.open({.title = "sentinel", .frame = {0, 0, 10, 10}});
+    if (!until([&] { return isListed(sentinel); })) throw Failure("the platform does not see a new window");
+    clients_.close(sentinel);
+    if (!until([&] { return !isListed(sentinel) && !probe_.manages(sentinel); })) {
+      throw Failure("the platform does not see a window go");
+    }
+  }
+
+  WindowID open(const ClientWindow& window) override {
+    harness::WindowSpec spec;
+    spec.title = window.title;
+    spec.frame = {window.x, window.y, window.width, window.height};
+    spec.pid = window.pid;
+    spec.desktop = window.desktop;  // the first display's desktops come first everywhere
+    return clients_.open(spec);
+  }
+  void close(WindowID window) override {
+    clients_.close(window);
+    require(probe_.waitFor([&] { return !probe_.manages(window); }), "a window does not go");
+  }
+  void makeSticky(WindowID window) override {
+    probe_.moveTo(window, -1);
+    require(probe_.waitFor([&] { return probe_.desktopOf(window) == -1; }), "a window does not become sticky");
+  }
+  void focus(WindowID window) override {
+    probe_.activate(window);
+    require(probe_.waitFor([&] { return probe_.activeWindow() == window; }), "a window does not get the focus");
+  }
+  void showDesktop(int desktop) override {
+    probe_.switchTo(desktop);
+    require(probe_.waitForDesktop(desktop), "the desktop is not shown");
+  }
+  void setDesktopCount(int count) override {
+    probe_.setDesktopCount(count);
+    if (!fixedDesktops()) require(probe_.waitFor([&] { return probe_.desktopCount() == count; }), "no such count");
+  }
+  void movePointer(int x, int y) override { pointer_.moveTo(x, y); }
+  void pressKey(KeyCombo combo) override { keyboard_.press(combo); }
+  void takeKey(KeyCombo combo) override { require(holder_.hold(combo), "somebody else has the key"); }
+  void giveKeyBack(KeyCombo combo) override { holder_.letGo(combo); }
+  void setMonitors(const std::vector<Monitor>& monitors) override { server_.setMonitors(layoutOf(monitors)); }
+  void setLanguages(const std::vector<std::string>& tags) override {
+    std::string list;
+    for (auto tag : tags) {
+      std::replace(tag.begin(), tag.end(), '-', '_');
+      list += (list.empty() ? "" : ":") + tag;
+    }
+    environment_.set("LANGUAGE", list);
+    environment_.set("LC_ALL", list.substr(0, list.find(':')) + ".UTF-8");
+  }
+  void stopWindowManager() override { manager_.stop(); }
+
+  [[nodiscard]] bool fixedDesktops() const override { return !manager_.countCanChange(); }
+  [[nodiscard]] bool sharedDesktops() const override { return !manager_.desktopsPerMonitor(); }
+  [[nodiscard]] bool tiles() const override { return manager_.kind() == harness::Manager::i3; }
+
+ private:
+  static void require(bool holds, const char* complaint) {
+    if (!holds) throw Failure(complaint);
+  }
+
+  bool isListed(WindowID window) {
+    const auto list = platform_->windowList().copyWindowInfo(WindowListOption::all);
+    return list && std::any_of(list->begin(), list->end(), [&](const auto& each) { return each.number == window; });
+  }
+
+  EnvironmentChange environment_;
+  harness::XServer server_;
+  harness::WindowManager manager_;
+  harness::Client clients_;
+  harness::Probe probe_;
+  harness::Keyboard keyboard_;
+  harness::Pointer pointer_;
+  harness::KeyHolder holder_;
+  RunLoop* loop_ = nullptr;
+  std::unique_ptr<X11Platform> platform_;
+};
+
+}  // namespace
+
+std::vector<Backend> x11Backends() {
+  std::vector<Backend> backends;
+  for (const auto manager : {harness::Manager::openbox, harness::Manager::xfwm4, harness::Manager::i3}) {
+    backends.push_back({std::string(harness::nameOf(manager)), [manager](const std::vector<Monitor>& monitors) {
+                          return std::make_unique<X11Driver>(manager, monitors);
+                        }});
+  }
+  return backends;
+}
+
+}  // namespace tessaspaces::contract

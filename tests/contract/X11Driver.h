@@ -1,0 +1,10 @@
+#pragma once
+
+#include "contract/WorldDriver.h"
+
+namespace tessaspaces::contract {
+
+/// One for each window manager that the suite runs under, each world on an X server of its own.
+std::vector<Backend> x11Backends();
+
+}  // namespace tessaspaces::contract

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "harness/WindowManagerFiles.h"
 
@@ -90,11 +91,16 @@ void WindowManager::keepDesktopsOpen() {
     spec.desktop = desktop;
     kept_.push_back(keeper_.openUnmanaged(spec));
   }
+  // With several monitors the numbers follow i3's own order of them, whatever the names say.
+  const bool numbered = options_.monitors.empty();
   const bool there = probe_.waitFor([&] {
+    std::set<int> desktops;
     for (std::size_t i = 0; i < kept_.size(); ++i) {
-      if (!probe_.manages(kept_[i]) || probe_.desktopOf(kept_[i]) != static_cast<int>(i)) return false;
+      const auto desktop = probe_.manages(kept_[i]) ? probe_.desktopOf(kept_[i]) : std::nullopt;
+      if (!desktop || (numbered && *desktop != static_cast<int>(i))) return false;
+      desktops.insert(*desktop);
     }
-    return true;
+    return desktops.size() == kept_.size();
   });
   if (!there) throw Failure("i3 did not make its workspaces:\n" + process_.output());
 }

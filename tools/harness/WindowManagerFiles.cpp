@@ -57,7 +57,7 @@ Launch xfwm4(const XServer& server, const WindowManagerOptions& options) {
 
 Launch i3(const XServer& server, const WindowManagerOptions& options) {
   std::string text =
-      "font pango:monospace 8\nfocus_follows_mouse no\nmouse_warping none\nfloating_modifier none\n"
+      "font pango:monospace 8\nfocus_follows_mouse no\nmouse_warping none\n"
       "workspace_layout default\nfocus_on_window_activation focus\n";
   for (int n = 1; n <= options.desktops; ++n) {
     if (static_cast<std::size_t>(n) <= options.monitors.size()) {

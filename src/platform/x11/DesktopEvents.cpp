@@ -18,6 +18,7 @@ void DesktopEvents::start() {
   select(channel, connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
   channel.flush();
   managerChanged();
+  reader_.keepRoot();
   watchClients();
   server_.noteVisibleDesktops();
 }
@@ -29,6 +30,7 @@ void DesktopEvents::handle(const xcb_generic_event_t& event) {
       if (eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
         managerDirty_ = true;
         reader_.forget();
+        reader_.rootChanged();
       }
       break;
     default: break;
@@ -37,6 +39,7 @@ void DesktopEvents::handle(const xcb_generic_event_t& event) {
 
 void DesktopEvents::handleProperty(const xcb_property_notify_event_t& event) {
   const auto& atoms = connection_.atoms();
+  if (event.window == connection_.root() && RootReader::reads(atoms, event.atom)) reader_.rootChanged();
   if (event.window != connection_.root()) {
     if (event.atom == atoms.netWmDesktop) windowsDirty_ = true;
     return;
@@ -62,6 +65,7 @@ void DesktopEvents::eventsDrained() {
   const bool spaces = std::exchange(spacesDirty_, false) || manager;
   const bool clients = std::exchange(clientsDirty_, false) || manager;
   const bool windows = std::exchange(windowsDirty_, false) || clients;
+  reader_.refreshRoot();
   if (clients) watchClients();
   if (spaces) server_.noteVisibleDesktops();
   if (manager) server_.windowManagerChanged.emit();

@@ -54,12 +54,20 @@ void EventPump::drain() {
 void EventPump::drainLater() {
   if (drainPending_ || !watching()) return;
   drainPending_ = true;
-  dispatch_.async([weak = std::weak_ptr(self_)] {
-    const auto self = weak.lock();
-    if (!self) return;
-    (*self)->drainPending_ = false;
-    if ((*self)->watching()) (*self)->drain();
+  later([this] {
+    drainPending_ = false;
+    if (watching()) drain();
   });
+}
+
+void EventPump::later(std::function<void()> work) { dispatch_.async(guarded(std::move(work))); }
+
+void EventPump::after(Duration delay, std::function<void()> work) { dispatch_.after(delay, guarded(std::move(work))); }
+
+std::function<void()> EventPump::guarded(std::function<void()> work) const {
+  return [weak = std::weak_ptr(alive_), work = std::move(work)] {
+    if (weak.lock()) work();
+  };
 }
 
 void EventPump::dispatchEvent(const xcb_generic_event_t& event) {

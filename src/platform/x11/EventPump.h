@@ -37,8 +37,12 @@ class EventPump {
   /// Drains soon. After a round trip on the event connection: it may have queued events inside xcb, which
   /// the watched descriptor does not show.
   void drainLater();
+  /// Runs `work` behind what the main queue holds, or once `delay` has passed; not after this object's end.
+  void later(std::function<void()> work);
+  void after(Duration delay, std::function<void()> work);
 
  private:
+  [[nodiscard]] std::function<void()> guarded(std::function<void()> work) const;
   void dispatchEvent(const xcb_generic_event_t& event);
 
   Connection& connection_;
@@ -47,7 +51,7 @@ class EventPump {
   RegistrationRef watch_;
   std::atomic<bool> watching_ = false;
   bool drainPending_ = false;
-  std::shared_ptr<EventPump*> self_ = std::make_shared<EventPump*>(this);  // queued drains may outlive this
+  std::shared_ptr<int> alive_ = std::make_shared<int>(0);  // queued work may outlive this
 };
 
 }  // namespace tessaspaces

@@ -42,6 +42,7 @@ std::unique_ptr<ReadScope> Reader::beginRead() {
 Reader::Root Reader::root(RootDetail detail) {
   auto* memo = this->memo();
   if (memo != nullptr && memo->root) return memo->root;
+  if (memo != nullptr && keeping() && kept_) return memo->root = kept_;
   std::uint64_t generation = 0;
   {
     const std::lock_guard lock(mutex_);
@@ -80,6 +81,29 @@ std::uint32_t Reader::desktopCount() {
   }
   const auto root = this->root(RootDetail::desktops);
   return root->managed() ? root->desktopCount : 0;
+}
+
+void Reader::keepRoot() {
+  keeper_ = std::this_thread::get_id();
+  refreshRoot();
+}
+
+void Reader::rootChanged() {
+  if (keeping()) kept_.reset();
+}
+
+void Reader::refreshRoot() {
+  if (!keeping() || kept_) return;
+  const auto scope = beginRead();
+  RootState fresh = *root(RootDetail::windows);
+  // No event tells where the pointer goes.
+  fresh.pointer.reset();
+  kept_ = std::make_shared<const RootState>(std::move(fresh));
+}
+
+void Reader::stopKeepingRoot() {
+  if (keeping()) kept_.reset();
+  keeper_ = std::thread::id();
 }
 
 void Reader::forget() {

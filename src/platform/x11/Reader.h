@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "platform/WindowServer.h"
@@ -28,14 +30,24 @@ class Reader {
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
   /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
   [[nodiscard]] bool inScope() { return memo() != nullptr; }
-  /// Whether this thread has a scope open.
-  [[nodiscard]] bool inScope() { return memo() != nullptr; }
 
   /// Number of desktops that a window manager serves, 0 without one, as of the last reading; reads when
   /// there was none since `forget`.
   std::uint32_t desktopCount();
   /// The events say that the desktops or their window manager changed.
   void forget();
+
+  // While this thread follows the events of the root, the root need not be read again for a scope of this
+  // thread: what the events have kept right is as new as the key press among them that asks.
+  /// From now on; on the thread that follows the events.
+  void keepRoot();
+  /// The events say that one of the root's properties changed.
+  void rootChanged();
+  /// Reads the root anew if it has changed. After a burst of events, so that the next key finds it ready.
+  void refreshRoot();
+  void stopKeepingRoot();
+  /// Whether this is the thread that follows the events.
+  [[nodiscard]] bool keeping() const { return keeper_.load() == std::this_thread::get_id(); }
 
  private:
   class Scope;
@@ -45,6 +57,9 @@ class Reader {
 
   Connection& connection_;
   RootReader rootReader_;
+
+  std::atomic<std::thread::id> keeper_{};
+  Root kept_;  // the keeper's thread only; null while it is out of date
 
   std::mutex mutex_;  // guards the two below
   std::uint64_t generation_ = 0;

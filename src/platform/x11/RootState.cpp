@@ -31,6 +31,13 @@ std::vector<DesktopOrigin> origins(std::span<const std::uint32_t> values) {
 
 }  // namespace
 
+bool RootReader::reads(const Atoms& atoms, xcb_atom_t property) {
+  const xcb_atom_t looked[] = {atoms.netSupportingWmCheck, atoms.netNumberOfDesktops, atoms.netCurrentDesktop,
+                               atoms.netDesktopNames,      atoms.netDesktopViewport,  atoms.netActiveWindow,
+                               atoms.netClientListStacking, atoms.netClientList};
+  return std::find(std::begin(looked), std::end(looked), property) != std::end(looked);
+}
+
 RootState RootReader::read(RootDetail detail) {
   connection_.drainRequests();
   auto& channel = connection_.requests();

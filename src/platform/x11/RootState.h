@@ -44,6 +44,8 @@ class RootReader {
   explicit RootReader(Connection& connection) : connection_(connection) {}
   /// One round trip; one more when the window manager is not the one of the last reading.
   RootState read(RootDetail detail);
+  /// Whether the reading looks at this property of the root.
+  [[nodiscard]] static bool reads(const Atoms& atoms, xcb_atom_t property);
 
  private:
   Connection& connection_;

@@ -104,7 +104,16 @@ ImageRef X11Applications::icon(std::int32_t pid) {
 bool X11Applications::activate(std::int32_t pid) {
   const auto window = frontWindow(pid);
   if (!window) return false;
-  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, connection_.askTime(), 0});
+  // Asked for after the window manager's last focus change, or it takes this for an old request.
+  const auto time = connection_.askTime();
+  // Some window managers bring the window to the user rather than the user to the window.
+  const auto root = reader_.root(RootDetail::desktops);
+  const auto desktop = firstItem(connection_.requests().await<xcb_get_property_reply>(
+      askProperty(connection_.requests(), *window, connection_.atoms().netWmDesktop, 1)));
+  if (desktop && *desktop < root->desktopCount && root->current != desktop) {
+    connection_.sendToRoot(connection_.root(), connection_.atoms().netCurrentDesktop, {*desktop, time});
+  }
+  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, time, 0});
   return true;
 }
 

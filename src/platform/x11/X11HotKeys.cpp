@@ -12,6 +12,7 @@ namespace tessaspaces {
 namespace {
 
 constexpr std::uint16_t allModifierBits = 0xff;
+constexpr auto ungrabDelay = std::chrono::milliseconds(5);
 
 }  // namespace
 
@@ -164,14 +165,20 @@ void X11HotKeys::grabAgain(KeyboardMap map) {
 
 void X11HotKeys::pressed(const xcb_key_press_event_t& event) {
   // The passive grab has become a grab of the whole keyboard, which would last until the key is released
-  // and keep the overview from taking the keyboard itself.
-  // Sent with the drain's flush: the press comes first.
-  connection_.events().send<xcb_ungrab_keyboard>(event.time);
+  // and keep the overview from taking the keyboard itself. Not now: everybody hears of a grab's end, and the
+  // window manager would be busy with that when the switch arrives.
+  pump_.after(ungrabDelay, [this, time = event.time] {
+    connection_.events().send<xcb_ungrab_keyboard>(time);
+    connection_.events().flush();
+  });
   const Key key{event.detail, static_cast<std::uint16_t>(event.state & significant_)};
   for (const auto& [handle, hotKey] : registered_) {
     if (std::find(hotKey.keys.begin(), hotKey.keys.end(), key) == hotKey.keys.end()) continue;
     const auto id = hotKey.id;  // the handler may unregister
+    screens_.setPressPosition(PixelPoint{event.root_x, event.root_y});
     if (handler_) handler_(id);
+    // Behind what the handler has queued.
+    pump_.later([this] { screens_.setPressPosition(std::nullopt); });
     return;
   }
 }

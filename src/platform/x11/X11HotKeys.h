@@ -6,6 +6,7 @@
 #include "platform/HotKeyRegistrar.h"
 #include "platform/x11/EventPump.h"
 #include "platform/x11/KeyboardMap.h"
+#include "platform/x11/X11Screens.h"
 
 namespace tessaspaces {
 
@@ -14,7 +15,8 @@ namespace tessaspaces {
 /// the processing of the event.
 class X11HotKeys : public HotKeyRegistrar, public EventListener {
  public:
-  X11HotKeys(Connection& connection, EventPump& pump) : connection_(connection), pump_(pump) {}
+  X11HotKeys(Connection& connection, EventPump& pump, X11Screens& screens)
+      : connection_(connection), pump_(pump), screens_(screens) {}
   ~X11HotKeys() override;
 
   void setPressHandler(std::function<void(HotKeyID)> handler) override { handler_ = std::move(handler); }
@@ -50,6 +52,7 @@ class X11HotKeys : public HotKeyRegistrar, public EventListener {
 
   Connection& connection_;
   EventPump& pump_;
+  X11Screens& screens_;
   std::function<void(HotKeyID)> handler_;
   std::map<HotKeyHandle, Registered> registered_;
   HotKeyHandle nextHandle_ = 1;

@@ -41,7 +41,7 @@ struct X11Platform::Parts {
   X11WindowList windowList{reader, windowServer};
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};
-  X11HotKeys hotKeys{*connection, pump};
+  X11HotKeys hotKeys{*connection, pump, screens};
   X11Preferences preferences;
   X11LoginItem loginItem{X11LoginItem::standardFile(), X11LoginItem::ownExecutable()};
   X11Permissions permissions{*connection};
@@ -87,6 +87,7 @@ X11Platform::X11Platform(std::unique_ptr<Parts> parts) : parts_(std::move(parts)
 
 X11Platform::~X11Platform() {
   parts_->pump.stop();
+  parts_->reader.stopKeepingRoot();
   // Its background jobs may be in the middle of a switch: they end while everything is still there.
   parts_->dispatchOwner.reset();
 }

@@ -68,9 +68,9 @@ ScreenRef X11Screens::mainScreen() {
 
 Point X11Screens::pointer() {
   std::optional<PixelPoint> pixel;
-  if (reader_.inScope()) {
-    pixel = reader_.root(RootDetail::windows)->pointer;
-  } else {
+  if (reader_.keeping()) pixel = press_;
+  if (!pixel && reader_.inScope()) pixel = reader_.root(RootDetail::windows)->pointer;
+  if (!pixel) {
     auto& channel = connection_.requests();
     const auto reply = channel.await<xcb_query_pointer_reply>(channel.send<xcb_query_pointer>(connection_.root()));
     if (reply) pixel = PixelPoint{reply->root_x, reply->root_y};

@@ -40,6 +40,9 @@ class X11Screens : public Screens, public EventListener {
   ScreenRef mainScreen() override;
   /// The pixel under the pointer, counted from the bottom: a pointer in the top row is inside its screen.
   Point pointer() override;
+  /// While the main thread works on a key press, the pointer counts as where the press found it: the display
+  /// that the user meant, and no question to the server on the road from the key to the switch.
+  void setPressPosition(std::optional<PixelPoint> position) { press_ = position; }
 
   /// Never null. Any thread.
   [[nodiscard]] ScreenLayoutRef layout() const;
@@ -55,6 +58,7 @@ class X11Screens : public Screens, public EventListener {
   Connection& connection_;
   Reader& reader_;
   bool stale_ = false;        // main thread only
+  std::optional<PixelPoint> press_;  // main thread only, which the scope of `keepRoot` tells
   mutable std::mutex mutex_;  // guards layout_
   ScreenLayoutRef layout_;
 };

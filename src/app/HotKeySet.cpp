@@ -1,5 +1,6 @@
 #include "app/HotKeySet.h"
 
+#include <array>
 #include <functional>
 #include <span>
 #include <string>

@@ -7,6 +7,7 @@
 #include "app/Readiness.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
+#include "settings/Notifications.h"
 
 namespace tessaspaces {
 
@@ -17,6 +18,7 @@ LaunchWindowController& LaunchWindowController::shared() {
 
 void LaunchWindowController::show() {
   ready_ = false;
+  hotkeys_.reset();
   windowManager_ = platform().windowServer().windowManagerChanged.connect([this] {
     if (!ready_) check();
   });
@@ -58,6 +60,11 @@ void LaunchWindowController::becomeReady() {
 }
 
 void LaunchWindowController::lookAtHotKeys() {
+  // From now on a change of the settings can run into other programs' keys too. The delegate has registered
+  // the new set by then, since it has observed for longer.
+  hotkeys_ = Notifications::observe(Notifications::hotkeysChanged, [this] {
+    if (!window_ && HotKeyClashes::any()) present();
+  });
   const bool worthShowing = HotKeyClashes::any() || Readiness::configurationRow().state != State::ok;
   if (worthShowing) {
     present();

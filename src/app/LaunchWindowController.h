@@ -43,6 +43,7 @@ class LaunchWindowController {
   bool ready_ = false;
   std::vector<SessionFinding> findings_;
   ScopedConnection windowManager_;
+  ScopedConnection hotkeys_;
   QPointer<LaunchWindow> window_;
 };
 

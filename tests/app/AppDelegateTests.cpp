@@ -304,6 +304,12 @@ TEST_F(AppDelegateTest, ChangesOfTheFileTakeEffectAtOnce) {
   EXPECT_TRUE(sim->pressKey({KeyCombo::arrowKeyCodes[0], KeyCombo::control | KeyCombo::command}));
   EXPECT_EQ(titles().back(), "tessa⊞spaces beenden");
   EXPECT_EQ(announced, 1);
+
+  EXPECT_EQ(launchWindow(), nullptr);
+  sim->takeKey({KeyCombo::arrowKeyCodes[0], KeyCombo::option | KeyCombo::command});
+  Settings::setModifiers(KeyCombo::option | KeyCombo::command, HotkeyGroup::changeSpace);
+  change(Notifications::hotkeysChanged);
+  EXPECT_NE(launchWindow(), nullptr) << "a change that runs into another program's keys is told";
 }
 
 }  // namespace

@@ -132,6 +132,7 @@ TEST_F(SessionTest, ASecondCopyHandsOverToTheFirst) {
   EXPECT_EQ(program.exitCode(), 0);
 }
 
+#ifdef TESSASPACES_HAS_X11
 TEST_F(SessionTest, TheIconGoesToAPanelThatComesLater) {
   configure(R"({"tessaspaces.logLevel": 3})");
   startProgram(program);
@@ -150,7 +151,6 @@ TEST_F(SessionTest, TheIconGoesToAPanelThatComesLater) {
   EXPECT_TRUE(labels.contains("Quit tessa⊞spaces")) << labels.join("|").toStdString();
 }
 
-#ifdef TESSASPACES_HAS_X11
 TEST_F(SessionTest, EndsWithAMessageWhenThereIsNoDisplayAnyMore) {
   configure("{}");
   start(program, TESSASPACES_PROGRAM, {});

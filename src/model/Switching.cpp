@@ -1,7 +1,9 @@
 #include "model/Switching.h"
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <unordered_map>
 #include <utility>
 
 #include "bridges/SkyLightBridge.h"
@@ -37,10 +39,43 @@ void setLastSwitchMethod(std::string method) {
   lastMethod().name = std::move(method);
 }
 
-bool verifySwitch(const DesktopInfo& target, const std::string& method) {
+struct LatestRequests {
+  /// Guards both.
+  std::mutex lock;
+  std::uint64_t last = 0;
+  std::unordered_map<std::string, std::uint64_t> ofDisplay;
+};
+
+LatestRequests& latestRequests() {
+  static LatestRequests instance;
+  return instance;
+}
+
+/// One wish to switch a display. The next wish for the same display overtakes it: from then on it must not touch the
+/// display any more, or a quick second key press would be undone by the fall-backs of the first.
+class Request {
+ public:
+  explicit Request(std::string display) : display_(std::move(display)) {
+    LatestRequests& latest = latestRequests();
+    const std::scoped_lock held(latest.lock);
+    number_ = ++latest.last;
+    latest.ofDisplay[display_] = number_;
+  }
+  [[nodiscard]] bool overtaken() const {
+    LatestRequests& latest = latestRequests();
+    const std::scoped_lock held(latest.lock);
+    return latest.ofDisplay[display_] != number_;
+  }
+
+ private:
+  std::string display_;
+  std::uint64_t number_ = 0;
+};
+
+bool verifySwitch(const DesktopInfo& target, const std::string& method, const Request& request) {
   SpaceID active = 0;
   bool arrived = false;
-  for (int attempt = 0; attempt < verifyPolls && !arrived; ++attempt) {
+  for (int attempt = 0; attempt < verifyPolls && !arrived && !request.overtaken(); ++attempt) {
     platform().dispatch().sleep(verifyInterval);
     active = currentSpaceID(target.displayUUID);
     arrived = active == target.spaceID;
@@ -51,7 +86,7 @@ bool verifySwitch(const DesktopInfo& target, const std::string& method) {
   return arrived;
 }
 
-bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading) {
+bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading, const Request& request) {
   auto hiding = allSpaceIDs(target.displayUUID);
   std::erase(hiding, target.spaceID);
   reading.reset();  // from here on the answers must be new ones
@@ -61,6 +96,7 @@ bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading
   }
   for (int attempt = 0; attempt < bridgedPolls; ++attempt) {
     if (currentSpaceID(target.displayUUID) == target.spaceID) return true;
+    if (request.overtaken()) return false;
     platform().dispatch().sleep(bridgedPollInterval);
   }
   Log::warning("SWITCH: bridged switch to {} did not arrive, falling back to gesture", target.spaceID);
@@ -68,14 +104,14 @@ bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading
 }
 
 /// Activating an application makes the system show a desktop with a window of it.
-bool switchByActivation(const DesktopInfo& target) {
+bool switchByActivation(const DesktopInfo& target, const Request& request) {
   if (target.windows.empty()) return false;
   const auto application = platform().applications().running(target.windows.front().pid);
   if (!application) return false;
   Log::debug("SWITCH: trying to activate app '{}' (pid {}) which has a window on target", application->localizedName,
              application->pid);
   platform().dispatch().sync([pid = application->pid] { platform().applications().activate(pid); });
-  return verifySwitch(target, "aktivace aplikace");
+  return verifySwitch(target, "aktivace aplikace", request);
 }
 
 bool switchDegraded(const DesktopInfo& target) {
@@ -89,7 +125,13 @@ bool switchDegraded(const DesktopInfo& target) {
   return active == target.spaceID;
 }
 
-bool performSwitchTo(const DesktopInfo& target) {
+bool giveWay(const DesktopInfo& target) {
+  Log::debug("SWITCH: overtaken by a later switch (target={})", target.spaceID);
+  return false;
+}
+
+bool performSwitchTo(const DesktopInfo& target, const Request& request) {
+  if (request.overtaken()) return giveWay(target);
   // What is asked before the first method answers from one batch of requests.
   auto reading = platform().windowServer().beginRead();
   const SpaceID active = currentSpaceID(target.displayUUID);
@@ -99,28 +141,36 @@ bool performSwitchTo(const DesktopInfo& target) {
     setLastSwitchMethod("no-op (already active)");
     return true;
   }
-  if (movesWindowsNatively() && switchBridged(target, std::exchange(reading, nullptr))) {
+  if (movesWindowsNatively() && switchBridged(target, std::exchange(reading, nullptr), request)) {
     Log::debug("SWITCH: method 'bridged' -> active={} target={} OK", active, target.spaceID);
     setLastSwitchMethod("bridged");
     return true;
   }
   reading.reset();
-  return switchByActivation(target) || switchDegraded(target);
+  if (request.overtaken()) return giveWay(target);
+  if (switchByActivation(target, request)) return true;
+  return request.overtaken() ? giveWay(target) : switchDegraded(target);
+}
+
+bool switchTo(const DesktopRef& desktop, const Request& request) {
+  if (!performSwitchTo(*desktop, request)) return false;
+  rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
+  return true;
 }
 
 void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completion) {
-  platform().dispatch().background([desktop, completion = std::move(completion)] {
-    const bool arrived = switchTo(desktop);
-    if (completion) platform().dispatch().async([completion, arrived] { completion(arrived); });
-  });
+  // The order in which switches are asked for counts, not the one in which threads come to them.
+  platform().dispatch().background(
+      [desktop, request = Request(desktop->displayUUID), completion = std::move(completion)] {
+        const bool arrived = switchTo(desktop, request);
+        if (completion) platform().dispatch().async([completion, arrived] { completion(arrived); });
+      });
 }
 
 }  // namespace
 
 bool switchTo(const DesktopRef& desktop) {
-  if (!performSwitchTo(*desktop)) return false;
-  rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
-  return true;
+  return switchTo(desktop, Request(desktop->displayUUID));
 }
 
 void switchAnimated(const DesktopRef& desktop, std::optional<GridDirection> /*direction*/,

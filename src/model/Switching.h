@@ -15,7 +15,8 @@ namespace tessaspaces::Spaces {
 /// Told on the main thread whether the display arrived on the target.
 using SwitchCompletion = std::function<void(bool arrived)>;
 
-/// Switches and waits for the display to arrive; true when it did. Blocks for up to about a second, so it
+/// Switches and waits for the display to arrive; true when it did. A later switch of the same display overtakes an
+/// earlier one that has not arrived, which then gives up without another try. Blocks for up to about a second, so it
 /// belongs off the main thread. After a success the target is remembered as the display's active space.
 bool switchTo(const DesktopRef& desktop);
 

@@ -12,7 +12,7 @@ using namespace harness;
 const Setting nextRow{"tessaspaces.circulation.join", "0"};
 const Setting sameRow{"tessaspaces.circulation.join", "1"};
 
-void neighbours(Witness& witness) {
+void neighbours(Session& session, Witness& witness) {
   witness.heading("To the neighbours");
   witness.pressAndExpectDesktop(rightKey, 1);
   witness.picture("right");
@@ -23,6 +23,13 @@ void neighbours(Witness& witness) {
   witness.heading("Straight to a desktop");
   witness.pressAndExpectDesktop(directKey(4), 3);
   witness.pressAndExpectDesktop(directKey(10), 9);
+  session.keyboard.press(leftKey);
+  session.keyboard.press(directKey(2));
+  witness.note("a second key right after the first one overtakes it:");
+  witness.pressAndExpectDesktop(directKey(3), 2);
+  // Long enough for a first switch that did not give up to pull the desktop back.
+  const bool stayed = !session.probe.waitFor([&] { return session.probe.currentDesktop() != 2; }, Milliseconds(1'000));
+  witness.verdict("one second later", "desktop 3", stayed ? "desktop 3" : "another desktop", stayed);
 }
 
 void wrapping(Witness& witness) {
@@ -109,7 +116,7 @@ void tour(Session& session, Witness& witness) {
                   KeyHolder(session.server).isTaken(rightKey) ? "taken" : "free",
                   KeyHolder(session.server).isTaken(rightKey));
   witness.picture("start");
-  neighbours(witness);
+  neighbours(session, witness);
   wrapping(witness);
   edges(witness);
   carrying(session, witness);

@@ -23,7 +23,7 @@ class Witness {
   void pressAndExpectRefusal(KeyCombo combo, std::string_view line);
   /// `tessactl config set` for each, and the program has taken them when this returns.
   void configure(const std::vector<harness::Setting>& settings) const;
-  /// Brings the desktop up by the window manager, without the program: where a step begins.
+  /// Goes to the desktop where a step begins, by its direct key.
   void begin(int desktop) const;
   /// Writes a picture of the screen, if pictures are wanted and can be made.
   void picture(std::string_view name);

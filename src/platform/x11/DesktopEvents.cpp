@@ -18,19 +18,31 @@ void DesktopEvents::start() {
   select(channel, connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
   channel.flush();
   managerChanged();
-  reader_.keepRoot();
+  reader_.keepRoot([this] { pump_.lookAhead(); });
   watchClients();
   server_.noteVisibleDesktops();
 }
 
+void DesktopEvents::foresee(const xcb_generic_event_t& event) {
+  if (eventType(event) == XCB_PROPERTY_NOTIFY) {
+    const auto& property = eventAs<xcb_property_notify_event_t>(event);
+    if (property.window == connection_.root() && RootReader::reads(connection_.atoms(), property.atom)) {
+      reader_.rootChanged();
+    }
+  } else if (eventType(event) == XCB_DESTROY_NOTIFY &&
+             eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
+    reader_.rootChanged();
+  }
+}
+
 void DesktopEvents::handle(const xcb_generic_event_t& event) {
+  foresee(event);
   switch (eventType(event)) {
     case XCB_PROPERTY_NOTIFY: handleProperty(eventAs<xcb_property_notify_event_t>(event)); break;
     case XCB_DESTROY_NOTIFY:
       if (eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
         managerDirty_ = true;
         reader_.forget();
-        reader_.rootChanged();
       }
       break;
     default: break;
@@ -39,7 +51,6 @@ void DesktopEvents::handle(const xcb_generic_event_t& event) {
 
 void DesktopEvents::handleProperty(const xcb_property_notify_event_t& event) {
   const auto& atoms = connection_.atoms();
-  if (event.window == connection_.root() && RootReader::reads(atoms, event.atom)) reader_.rootChanged();
   if (event.window != connection_.root()) {
     if (event.atom == atoms.netWmDesktop) windowsDirty_ = true;
     return;

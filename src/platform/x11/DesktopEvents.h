@@ -12,12 +12,13 @@ namespace tessaspaces {
 /// each per burst of events. Main thread.
 class DesktopEvents : public EventListener {
  public:
-  DesktopEvents(Connection& connection, Reader& reader, X11WindowServer& server)
-      : connection_(connection), reader_(reader), server_(server) {}
+  DesktopEvents(Connection& connection, Reader& reader, X11WindowServer& server, EventPump& pump)
+      : connection_(connection), reader_(reader), server_(server), pump_(pump) {}
 
   /// Asks for the events. Main thread.
   void start();
   void handle(const xcb_generic_event_t& event) override;
+  void foresee(const xcb_generic_event_t& event) override;
   void eventsDrained() override;
 
  private:
@@ -28,6 +29,7 @@ class DesktopEvents : public EventListener {
   Connection& connection_;
   Reader& reader_;
   X11WindowServer& server_;
+  EventPump& pump_;
   xcb_window_t checkWindow_ = XCB_NONE;
   bool managed_ = false;
   std::set<xcb_window_t> watched_;

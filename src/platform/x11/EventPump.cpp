@@ -35,7 +35,7 @@ void EventPump::drain() {
   bool any = true;
   while (any) {
     any = false;
-    while (const EventRef event{xcb_poll_for_event(channel.get())}) {
+    while (const EventRef event = next()) {
       any = true;
       dispatchEvent(*event);
     }
@@ -51,6 +51,22 @@ void EventPump::drain() {
   }
 }
 
+EventRef EventPump::next() {
+  if (foreseen_.empty()) return EventRef(xcb_poll_for_event(connection_.events().get()));
+  auto event = std::move(foreseen_.front());
+  foreseen_.pop_front();
+  return event;
+}
+
+void EventPump::lookAhead() {
+  const auto before = foreseen_.size();
+  while (EventRef event{xcb_poll_for_event(connection_.events().get())}) {
+    for (auto* listener : listeners_) listener->foresee(*event);
+    foreseen_.push_back(std::move(event));
+  }
+  if (foreseen_.size() > before) drainLater();
+}
+
 void EventPump::drainLater() {
   if (drainPending_ || !watching()) return;
   drainPending_ = true;
@@ -60,9 +76,13 @@ void EventPump::drainLater() {
   });
 }
 
-void EventPump::later(std::function<void()> work) { dispatch_.async(guarded(std::move(work))); }
+void EventPump::later(std::function<void()> work) {
+  dispatch_.async(guarded(std::move(work)));
+}
 
-void EventPump::after(Duration delay, std::function<void()> work) { dispatch_.after(delay, guarded(std::move(work))); }
+void EventPump::after(Duration delay, std::function<void()> work) {
+  dispatch_.after(delay, guarded(std::move(work)));
+}
 
 std::function<void()> EventPump::guarded(std::function<void()> work) const {
   return [weak = std::weak_ptr(alive_), work = std::move(work)] {

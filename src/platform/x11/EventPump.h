@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -15,6 +16,8 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
   virtual void handle(const xcb_generic_event_t& event) = 0;
+  /// The event has arrived and will be handled in its turn; something may be out of date from now on.
+  virtual void foresee(const xcb_generic_event_t& /*event*/) {}
   /// The queue is empty for now: the time to act once on many events.
   virtual void eventsDrained() {}
 };
@@ -34,6 +37,8 @@ class EventPump {
   [[nodiscard]] bool watching() const { return watching_.load(std::memory_order_relaxed); }
   /// Takes everything off the queue now.
   void drain();
+  /// Has the listeners foresee what has arrived, without handling it yet.
+  void lookAhead();
   /// Drains soon. After a round trip on the event connection: it may have queued events inside xcb, which
   /// the watched descriptor does not show.
   void drainLater();
@@ -43,11 +48,13 @@ class EventPump {
 
  private:
   [[nodiscard]] std::function<void()> guarded(std::function<void()> work) const;
+  EventRef next();
   void dispatchEvent(const xcb_generic_event_t& event);
 
   Connection& connection_;
   Dispatch& dispatch_;
   std::vector<EventListener*> listeners_;
+  std::deque<EventRef> foreseen_;
   RegistrationRef watch_;
   std::atomic<bool> watching_ = false;
   bool drainPending_ = false;

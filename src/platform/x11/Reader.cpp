@@ -42,7 +42,10 @@ std::unique_ptr<ReadScope> Reader::beginRead() {
 Reader::Root Reader::root(RootDetail detail) {
   auto* memo = this->memo();
   if (memo != nullptr && memo->root) return memo->root;
-  if (memo != nullptr && keeping() && kept_) return memo->root = kept_;
+  if (memo != nullptr && keeping()) {
+    lookAhead_();
+    if (kept_) return memo->root = kept_;
+  }
   std::uint64_t generation = 0;
   {
     const std::lock_guard lock(mutex_);
@@ -83,7 +86,8 @@ std::uint32_t Reader::desktopCount() {
   return root->managed() ? root->desktopCount : 0;
 }
 
-void Reader::keepRoot() {
+void Reader::keepRoot(std::function<void()> lookAhead) {
+  lookAhead_ = std::move(lookAhead);
   keeper_ = std::this_thread::get_id();
   refreshRoot();
 }

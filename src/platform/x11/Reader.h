@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -39,8 +40,9 @@ class Reader {
 
   // While this thread follows the events of the root, the root need not be read again for a scope of this
   // thread: what the events have kept right is as new as the key press among them that asks.
-  /// From now on; on the thread that follows the events.
-  void keepRoot();
+  /// From now on; on the thread that follows the events. `lookAhead` calls `rootChanged` for what the events
+  /// that have arrived by now will say.
+  void keepRoot(std::function<void()> lookAhead);
   /// The events say that one of the root's properties changed.
   void rootChanged();
   /// Reads the root anew if it has changed. After a burst of events, so that the next key finds it ready.
@@ -59,7 +61,8 @@ class Reader {
   RootReader rootReader_;
 
   std::atomic<std::thread::id> keeper_{};
-  Root kept_;  // the keeper's thread only; null while it is out of date
+  std::function<void()> lookAhead_;  // the keeper's thread only
+  Root kept_;                        // the keeper's thread only; null while it is out of date
 
   std::mutex mutex_;  // guards the two below
   std::uint64_t generation_ = 0;

@@ -32,8 +32,8 @@ std::vector<DesktopOrigin> origins(std::span<const std::uint32_t> values) {
 }  // namespace
 
 bool RootReader::reads(const Atoms& atoms, xcb_atom_t property) {
-  const xcb_atom_t looked[] = {atoms.netSupportingWmCheck, atoms.netNumberOfDesktops, atoms.netCurrentDesktop,
-                               atoms.netDesktopNames,      atoms.netDesktopViewport,  atoms.netActiveWindow,
+  const xcb_atom_t looked[] = {atoms.netSupportingWmCheck,  atoms.netNumberOfDesktops, atoms.netCurrentDesktop,
+                               atoms.netDesktopNames,       atoms.netDesktopViewport,  atoms.netActiveWindow,
                                atoms.netClientListStacking, atoms.netClientList};
   return std::find(std::begin(looked), std::end(looked), property) != std::end(looked);
 }

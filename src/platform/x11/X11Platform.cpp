@@ -45,7 +45,7 @@ struct X11Platform::Parts {
   X11Preferences preferences;
   X11LoginItem loginItem{X11LoginItem::standardFile(), X11LoginItem::ownExecutable()};
   X11Permissions permissions{*connection};
-  DesktopEvents desktopEvents{*connection, reader, windowServer};
+  DesktopEvents desktopEvents{*connection, reader, windowServer, pump};
 };
 
 void X11Platform::Parts::startEvents() {

@@ -57,9 +57,9 @@ class X11Screens : public Screens, public EventListener {
 
   Connection& connection_;
   Reader& reader_;
-  bool stale_ = false;        // main thread only
+  bool stale_ = false;               // main thread only
   std::optional<PixelPoint> press_;  // main thread only, which the scope of `keepRoot` tells
-  mutable std::mutex mutex_;  // guards layout_
+  mutable std::mutex mutex_;         // guards layout_
   ScreenLayoutRef layout_;
 };
 

@@ -106,6 +106,7 @@ TEST_P(Contract, AStickyWindowIsOnEverySpace) {
   const auto all = spaces();
   EXPECT_TRUE(driver->until([&] { return spacesOf(window).size() == all.size(); }));
   EXPECT_THAT(spacesOf(window), testing::UnorderedElementsAreArray(all));
+  driver->settle();
   for (const auto space : all) EXPECT_THAT(windowsOn(space), Contains(window));
   EXPECT_TRUE(isOnScreen(window));
   driver->showDesktop(3);
@@ -219,6 +220,7 @@ TEST_P(Contract, AReadScopeHoldsOneMomentTogether) {
   start();
   const auto window = driver->open(titled("read"));
   const auto all = spaces();
+  driver->settle();
   {
     const auto outer = server().beginRead();
     const auto inner = server().beginRead();

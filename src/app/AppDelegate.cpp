@@ -96,7 +96,9 @@ void AppDelegate::observeNotifications() {
   // Another window manager may leave free what the last one had.
   observers_.push_back(platform().windowServer().windowManagerChanged.connect([this] {
     const bool wanting = !HotKeyCenter::shared().failures().empty();
-    if (wanting && platform().windowServer().windowManagerName()) registerHotKeys();
+    if (!wanting || !platform().windowServer().windowManagerName()) return;
+    registerHotKeys();
+    LaunchWindowController::shared().refresh();
   }));
 }
 

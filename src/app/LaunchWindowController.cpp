@@ -51,6 +51,12 @@ void LaunchWindowController::continueAnyway() {
   becomeReady();
 }
 
+void LaunchWindowController::refresh() {
+  if (!window_) return;
+  findings_ = platform().examineSession();
+  window_->refresh();
+}
+
 void LaunchWindowController::becomeReady() {
   ready_ = true;
   windowManager_.reset();

@@ -29,6 +29,9 @@ class LaunchWindowController {
   /// The user wants to go on although the session is not what it should be.
   void continueAnyway();
 
+  /// The session or the hot keys have changed: an open window shows what is so now.
+  void refresh();
+
   [[nodiscard]] bool isReady() const { return ready_; }
   /// What the last check found.
   [[nodiscard]] const std::vector<SessionFinding>& findings() const { return findings_; }

@@ -290,6 +290,18 @@ TEST_F(AppDelegateTest, TakenKeysCanBeExchangedOnTheSpot) {
   EXPECT_THAT(HotKeyCenter::shared().failures(), IsEmpty());
 }
 
+TEST_F(AppDelegateTest, AnotherWindowManagerMayLeaveTheKeysFree) {
+  const KeyCombo left{KeyCombo::arrowKeyCodes[0], controlOption};
+  sim->takeKey(left);
+  launch();
+  EXPECT_FALSE(sim->pressKey(left));
+  sim->releaseKey(left);
+  world().setWindowManager(std::nullopt);
+  world().setWindowManager("Another");
+  sim->time().runUntilIdle();
+  EXPECT_TRUE(sim->pressKey(left));
+}
+
 TEST_F(AppDelegateTest, ChangesOfTheFileTakeEffectAtOnce) {
   launch();
   int announced = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <map>
 #include <utility>
 
@@ -32,7 +33,7 @@ std::vector<std::string_view> wordsOf(std::string_view text) {
 std::optional<double> takeNumber(std::string_view& text) {
   double number = 0;
   const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (status != std::errc{}) return std::nullopt;
+  if (status != std::errc{} || !std::isfinite(number)) return std::nullopt;
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
   return number;
 }

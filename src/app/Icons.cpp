@@ -79,13 +79,7 @@ QPixmap trayPixmap(const QByteArray& svg, int side, const QColor& color) {
   QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
   QPainter painter(&image);
-  const QRectF whole(0, 0, side, side);
-  QColor contour = color.lightnessF() > 0.5 ? QColor(Qt::black) : QColor(Qt::white);
-  contour.setAlphaF(0.18F);
-  for (const QPointF offset : {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)}) {
-    drawSvg(painter, svg, whole.translated(offset * (side / 24.0)), contour);
-  }
-  drawSvg(painter, svg, whole, color);
+  drawSvg(painter, svg, QRectF(0, 0, side, side), color);
   painter.end();
   return QPixmap::fromImage(image);
 }

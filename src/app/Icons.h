@@ -17,8 +17,7 @@ namespace Icons {
 /// Paints a symbol in a colour of one's own.
 void paintSymbol(QPainter& painter, const QString& name, const QRectF& rect, const QColor& color);
 
-/// What stands in the system tray, in this colour with a faint contour of the opposite lightness, so that
-/// it can be made out on a panel of any colour. Null when the picture is missing.
+/// What stands in the system tray, in this colour. Null when the picture is missing.
 [[nodiscard]] QIcon menuBar(const QColor& color);
 
 /// The coloured icon of the program.

@@ -11,6 +11,13 @@
 namespace tessaspaces {
 namespace {
 
+/// For a panel that does not tell which colour can be made out on it. Plasma's follow the palette; of any
+/// other nothing is known, and this blue stands out from black and from white.
+QColor assumedColor() {
+  if (qgetenv("XDG_CURRENT_DESKTOP").contains("KDE")) return QGuiApplication::palette().color(QPalette::WindowText);
+  return {0x3d, 0x8d, 0xf5};
+}
+
 QIcon textIcon(const QString& text, const QColor& color) {
   constexpr int side = 36;
   QPixmap pixmap(side, side);
@@ -65,7 +72,7 @@ void StatusItem::update() {
 }
 
 QIcon StatusItem::icon() const {
-  const QColor color = hosts_.symbolColor().value_or(QGuiApplication::palette().color(QPalette::WindowText));
+  const QColor color = hosts_.symbolColor().value_or(assumedColor());
   if (QIcon picture = Icons::menuBar(color); !picture.isNull()) return picture;
   if (QIcon picture = Icons::symbol("square.grid.3x3"); !picture.isNull()) return picture;
   return textIcon(QStringLiteral("▦"), color);

@@ -21,12 +21,12 @@ HotKeyCenter& HotKeyCenter::shared() {
 }
 
 void HotKeyCenter::installHandler() {
-  if (handlerInstalled_) return;
+  if (handlerInstalled_ == &platform()) return;
   platform().hotKeys().setPressHandler([this](HotKeyID pressed) {
     if (pressed.signature != signature) return;
     platform().dispatch().async([this, id = pressed.id] { fire(id); });
   });
-  handlerInstalled_ = true;
+  handlerInstalled_ = &platform();
 }
 
 bool HotKeyCenter::registerHotKey(KeyCombo combo, const std::string& label, std::function<void()> action) {

@@ -10,6 +10,8 @@
 
 namespace tessaspaces {
 
+class Platform;
+
 /// A combo that could not be had, for telling the user.
 struct HotKeyFailure {
   KeyCombo combo;
@@ -48,7 +50,8 @@ class HotKeyCenter {
   std::vector<HotKeyHandle> refs_;
   std::vector<HotKeyFailure> failures_;
   std::uint32_t nextID_ = 1;
-  bool handlerInstalled_ = false;
+  /// The platform whose presses arrive here; null before the first registration.
+  const Platform* handlerInstalled_ = nullptr;
 };
 
 }  // namespace tessaspaces

@@ -35,6 +35,8 @@ void EventPump::drain() {
   bool any = true;
   while (any) {
     any = false;
+    // Before the last look: writing also reads, into a queue that the descriptor does not show.
+    channel.flush();
     while (const EventRef event = next()) {
       any = true;
       dispatchEvent(*event);
@@ -44,11 +46,15 @@ void EventPump::drain() {
       for (auto* listener : listeners_) listener->eventsDrained();
     }
   }
-  channel.flush();
   if (channel.broken()) {
     stop();  // a closed descriptor stays readable for ever
     channel.checkConnection();
   }
+}
+
+void EventPump::flush() {
+  connection_.events().flush();
+  drainLater();
 }
 
 EventRef EventPump::next() {

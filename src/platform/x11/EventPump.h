@@ -42,6 +42,8 @@ class EventPump {
   /// Drains soon. After a round trip on the event connection: it may have queued events inside xcb, which
   /// the watched descriptor does not show.
   void drainLater();
+  /// Sends what the event connection has not sent yet, which may queue events in the same way.
+  void flush();
   /// Runs `work` behind what the main queue holds, or once `delay` has passed; not after this object's end.
   void later(std::function<void()> work);
   void after(Duration delay, std::function<void()> work);

@@ -22,7 +22,7 @@ void PagerLayout::advertise(int rows, int columns) {
   channel.send<xcb_change_property>(std::uint8_t{XCB_PROP_MODE_REPLACE}, connection_.root(),
                                     connection_.atoms().netDesktopLayout, xcb_atom_t{XCB_ATOM_CARDINAL},
                                     std::uint8_t{32}, static_cast<std::uint32_t>(layout.size()), layout.data());
-  channel.flush();
+  pump_.flush();
 }
 
 bool PagerLayout::acquire() {
@@ -54,7 +54,7 @@ void PagerLayout::release() {
   channel.send<xcb_delete_property>(connection_.root(), connection_.atoms().netDesktopLayout);
   channel.send<xcb_set_selection_owner>(xcb_window_t{XCB_NONE}, connection_.atoms().netDesktopLayoutSelection,
                                         connection_.timestamp());
-  channel.flush();
+  pump_.flush();
 }
 
 void PagerLayout::handle(const xcb_generic_event_t& event) {

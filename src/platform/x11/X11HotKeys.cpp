@@ -18,7 +18,7 @@ constexpr auto ungrabDelay = std::chrono::milliseconds(5);
 
 X11HotKeys::~X11HotKeys() {
   for (const auto& [handle, hotKey] : registered_) ungrab(hotKey.keys);
-  connection_.events().flush();
+  pump_.flush();
 }
 
 HotKeyRegistration X11HotKeys::registerHotKey(KeyCombo combo, HotKeyID id) {
@@ -39,7 +39,7 @@ void X11HotKeys::unregisterHotKey(HotKeyHandle handle) {
   const auto found = registered_.find(handle);
   if (found == registered_.end()) return;
   ungrab(found->second.keys);
-  connection_.events().flush();
+  pump_.flush();
   registered_.erase(found);
 }
 
@@ -129,7 +129,7 @@ std::uint8_t X11HotKeys::grab(const std::vector<Key>& keys) {
     for (const auto& attempt : attempts) {
       if (attempt.held) channel.send<xcb_ungrab_key>(attempt.key.keycode, connection_.root(), attempt.key.modifiers);
     }
-    channel.flush();
+    pump_.flush();
   }
   return failure;
 }
@@ -169,7 +169,7 @@ void X11HotKeys::pressed(const xcb_key_press_event_t& event) {
   // window manager would be busy with that when the switch arrives.
   pump_.after(ungrabDelay, [this, time = event.time] {
     connection_.events().send<xcb_ungrab_keyboard>(time);
-    connection_.events().flush();
+    pump_.flush();
   });
   const Key key{event.detail, static_cast<std::uint16_t>(event.state & significant_)};
   for (const auto& [handle, hotKey] : registered_) {

@@ -1,6 +1,7 @@
 #include "demo/Tour.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "demo/Scene.h"
 
@@ -67,7 +68,8 @@ void carrying(Session& session, Witness& witness) {
   witness.heading("Carrying the focused window along");
   witness.configure({{"tessaspaces.hotkey.1", "control+option+shift"}});
   witness.begin(0);
-  const xcb_window_t window = session.client.open({.title = "Travelling window", .colour = 0xB5483C, .desktop = 0});
+  const xcb_window_t window =
+      session.client.open({.title = "Travelling window", .colour = 0xB5483C, .pid = getpid(), .desktop = 0});
   session.probe.activate(window);
   if (!session.probe.waitFor([&] { return session.probe.activeWindow() == window; })) {
     throw Failure("the window manager does not focus a new window");
@@ -88,12 +90,12 @@ void carrying(Session& session, Witness& witness) {
 
 void clash(Session& session, Witness& witness) {
   witness.heading("A key that another program holds");
-  const std::uint32_t modifiers = controlOption | KeyCombo::command;
+  const std::uint32_t modifiers = KeyCombo::control | KeyCombo::shift;
   const KeyCombo taken{rightKey.keyCode, modifiers};
   KeyHolder other(session.server);
   witness.verdict(fmt::format("another program takes {}", taken.display()), "it is free", "granted", other.hold(taken));
   const std::size_t from = session.program.logEnd();
-  witness.configure({{"tessaspaces.hotkey.0", "control+option+command"}});
+  witness.configure({{"tessaspaces.hotkey.0", "control+shift"}});
   const std::string line =
       fmt::format("HOTKEY: registration 'change space right' ({}) FAILED, status=10", taken.display());
   const bool told = session.program.waitForLog(line, from, Milliseconds(5'000));
@@ -103,7 +105,7 @@ void clash(Session& session, Witness& witness) {
   witness.note("the other keys of the group work on; freed and chosen anew, so does this one:");
   other.letGo(taken);
   witness.configure({{"tessaspaces.hotkey.0", "control+option"}});
-  witness.configure({{"tessaspaces.hotkey.0", "control+option+command"}});
+  witness.configure({{"tessaspaces.hotkey.0", "control+shift"}});
   witness.pressAndExpectDesktop(taken, 1);
 }
 

@@ -24,6 +24,7 @@ struct WindowManagerOptions {
   int desktops = 4;
   OwnBindings bindings = OwnBindings::none;
   /// i3 only: the monitor that each desktop belongs to, by name, in order; empty: all on the only monitor.
+  /// i3 takes left, right, up and down for directions, not for names.
   std::vector<std::string> monitors = {};
 };
 

@@ -56,6 +56,7 @@ ExtensionCodes findExtensions(xcb_connection_t* connection) {
   codes.randrFirstEvent = randr.first_event;
   codes.randrFirstError = randr.first_error;
   codes.xkb = data(xcb_xkb_id).major_opcode;
+  codes.xkbEvent = data(xcb_xkb_id).first_event;
   codes.xtest = data(xcb_test_id).major_opcode;
   codes.composite = data(xcb_composite_id).major_opcode;
   return codes;

@@ -49,7 +49,10 @@ void X11HotKeys::handle(const xcb_generic_event_t& event) {
     case XCB_MAPPING_NOTIFY:
       if (eventAs<xcb_mapping_notify_event_t>(event).request != XCB_MAPPING_POINTER) mapStale_ = true;
       break;
-    default: break;
+    default:
+      // Of XKB's events only those that tell of a changed mapping were asked for; they share one code.
+      if (connection_.extensions().xkb != 0 && eventType(event) == connection_.extensions().xkbEvent) mapStale_ = true;
+      break;
   }
 }
 
@@ -72,6 +75,11 @@ void X11HotKeys::prepare() {
         static_cast<xcb_xkb_device_spec_t>(XCB_XKB_ID_USE_CORE_KBD), grabsUseXkbState, grabsUseXkbState, 0U, 0U, 0U);
     channel.await<xcb_xkb_use_extension_reply>(use);
     channel.await<xcb_xkb_per_client_flags_reply>(flags);
+    // The server no longer tells a client that knows XKB about the mapping unless it asks.
+    constexpr std::uint16_t mapParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    constexpr std::uint16_t notices = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    channel.send<xcb_xkb_select_events>(static_cast<xcb_xkb_device_spec_t>(XCB_XKB_ID_USE_CORE_KBD), notices,
+                                        std::uint16_t{0}, notices, mapParts, mapParts, nullptr);
   }
   adopt(KeyboardMap::read(channel));
 }

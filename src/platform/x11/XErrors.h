@@ -13,6 +13,7 @@ struct ExtensionCodes {
   std::uint8_t randrFirstEvent = 0;
   std::uint8_t randrFirstError = 0;
   std::uint8_t xkb = 0;
+  std::uint8_t xkbEvent = 0;  // the one event code of XKB
   std::uint8_t xtest = 0;
   std::uint8_t composite = 0;
 };

@@ -11,12 +11,18 @@ void select(Channel& channel, xcb_window_t window, std::uint32_t mask) {
   channel.send<xcb_change_window_attributes>(window, std::uint32_t{XCB_CW_EVENT_MASK}, &mask);
 }
 
+// Waits until the server has taken the selections in. Just sending them is not enough: while a window manager
+// holds the server they may stay unread, and what changes meanwhile would go unnoticed.
+void settle(Channel& channel) {
+  channel.await<xcb_get_input_focus_reply>(channel.send<xcb_get_input_focus>());
+}
+
 }  // namespace
 
 void DesktopEvents::start() {
   auto& channel = connection_.events();
   select(channel, connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-  channel.flush();
+  settle(channel);
   managerChanged();
   reader_.keepRoot([this] { pump_.lookAhead(); });
   watchClients();
@@ -90,12 +96,15 @@ void DesktopEvents::watchClients() {
   const auto cookie = askProperty(channel, connection_.root(), connection_.atoms().netClientList);
   const auto reply = channel.await<xcb_get_property_reply>(cookie);
   std::set<xcb_window_t> clients;
+  bool selected = false;
   for (const auto window : items(reply)) {
     clients.insert(window);
-    if (!watched_.contains(window)) select(connection_.events(), window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    if (watched_.contains(window)) continue;
+    select(connection_.events(), window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    selected = true;
   }
   watched_ = std::move(clients);
-  connection_.events().flush();
+  if (selected) settle(connection_.events());
 }
 
 bool DesktopEvents::managerChanged() {
@@ -103,7 +112,7 @@ bool DesktopEvents::managerChanged() {
   if (root->checkWindow != XCB_NONE && root->checkWindow != checkWindow_) {
     // Its end tells that the window manager has gone, however it went.
     select(connection_.events(), root->checkWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-    connection_.events().flush();
+    settle(connection_.events());
   }
   const bool changed = root->checkWindow != checkWindow_ || root->managed() != managed_;
   checkWindow_ = root->checkWindow;

@@ -15,8 +15,12 @@ Platform& platform() {
   return *set;
 }
 
-void setPlatform(Platform* platform) { current.store(platform, std::memory_order_release); }
+void setPlatform(Platform* platform) {
+  current.store(platform, std::memory_order_release);
+}
 
-bool hasPlatform() { return current.load(std::memory_order_acquire) != nullptr; }
+bool hasPlatform() {
+  return current.load(std::memory_order_acquire) != nullptr;
+}
 
 }  // namespace tessaspaces

@@ -29,8 +29,8 @@ struct WindowInfo {
 };
 
 enum class WindowListOption {
-  all,                           // windows of every desktop
-  onScreenWithoutDesktopElements // what is visible now, without wallpapers and desktop icons
+  all,                            // windows of every desktop
+  onScreenWithoutDesktopElements  // what is visible now, without wallpapers and desktop icons
 };
 
 /// The windows that exist, in front-to-back order. Any thread.

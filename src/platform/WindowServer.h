@@ -39,10 +39,20 @@ struct ManagedDisplay {
 };
 
 /// Operations that the window server executes on the program's behalf, asynchronously.
-struct ShowSpaces { std::vector<SpaceID> spaces; };
-struct SetCurrentSpace { std::string display; SpaceID space; };
-struct HideSpaces { std::vector<SpaceID> spaces; };
-struct MoveWindowsToSpace { std::vector<WindowID> windows; SpaceID space; };
+struct ShowSpaces {
+  std::vector<SpaceID> spaces;
+};
+struct SetCurrentSpace {
+  std::string display;
+  SpaceID space;
+};
+struct HideSpaces {
+  std::vector<SpaceID> spaces;
+};
+struct MoveWindowsToSpace {
+  std::vector<WindowID> windows;
+  SpaceID space;
+};
 using BridgedOperation = std::variant<ShowSpaces, SetCurrentSpace, HideSpaces, MoveWindowsToSpace>;
 
 /// See WindowServer::beginRead.

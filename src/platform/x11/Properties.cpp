@@ -5,25 +5,34 @@
 namespace tessaspaces {
 namespace {
 
+// How many bytes a character that begins so has; 0 when none begins so.
+std::size_t lengthOf(char first) {
+  const auto lead = static_cast<unsigned char>(first);
+  if (lead < 0x80) return 1;
+  if (lead < 0xc2 || lead >= 0xf5) return 0;
+  return lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
+}
+
+bool isContinuation(char c) {
+  return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
+}
+
 // Length of the longest valid UTF-8 prefix.
 std::size_t validUtf8(std::string_view text) {
   std::size_t i = 0;
   while (i < text.size()) {
-    const auto at = [&](std::size_t offset) { return static_cast<unsigned char>(text[i + offset]); };
-    const unsigned char lead = at(0);
-    const std::size_t length = lead < 0x80                   ? 1
-                               : lead >= 0xc2 && lead < 0xe0 ? 2
-                               : lead >= 0xe0 && lead < 0xf0 ? 3
-                               : lead >= 0xf0 && lead < 0xf5 ? 4
-                                                             : 0;
+    const auto length = lengthOf(text[i]);
     if (length == 0 || i + length > text.size()) return i;
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((at(k) & 0xc0) != 0x80) return i;
-    }
-    // Overlong forms, surrogates, and what lies beyond the last code point.
-    if ((lead == 0xe0 && at(1) < 0xa0) || (lead == 0xed && at(1) >= 0xa0) || (lead == 0xf0 && at(1) < 0x90) ||
-        (lead == 0xf4 && at(1) >= 0x90)) {
-      return i;
+    const auto rest = text.substr(i + 1, length - 1);
+    if (!std::all_of(rest.begin(), rest.end(), isContinuation)) return i;
+    if (length > 2) {
+      const auto lead = static_cast<unsigned char>(text[i]);
+      const auto second = static_cast<unsigned char>(text[i + 1]);
+      // Overlong forms, surrogates, and what lies beyond the last code point.
+      if ((lead == 0xe0 && second < 0xa0) || (lead == 0xed && second >= 0xa0) || (lead == 0xf0 && second < 0x90) ||
+          (lead == 0xf4 && second >= 0x90)) {
+        return i;
+      }
     }
     i += length;
   }
@@ -31,9 +40,7 @@ std::size_t validUtf8(std::string_view text) {
 }
 
 bool isCutCharacter(std::string_view tail) {
-  return tail.size() < 4 && static_cast<unsigned char>(tail[0]) >= 0xc2 &&
-         std::all_of(tail.begin() + 1, tail.end(),
-                     [](char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; });
+  return tail.size() < lengthOf(tail[0]) && std::all_of(tail.begin() + 1, tail.end(), isContinuation);
 }
 
 TextType declaredType(const PropertyReply& reply) {

@@ -85,7 +85,8 @@ TEST_P(Contract, BackgroundJobsAreNotOnTheMainThreadAndCanReachIt) {
 TEST_P(Contract, ASleepingJobHoldsUpNeitherTheMainThreadNorOtherJobs) {
   start();
   auto& dispatch = platform().dispatch();
-  std::atomic<int> finished = 0;
+  int finished = 0;
+  const auto finish = [&] { dispatch.async([&] { ++finished; }); };  // which also wakes the main thread
   std::atomic<bool> otherRan = false;
   std::atomic<bool> timerRan = false;
   bool sawOther = false;
@@ -95,11 +96,11 @@ TEST_P(Contract, ASleepingJobHoldsUpNeitherTheMainThreadNorOtherJobs) {
     for (int i = 0; i < 1000 && !(otherRan && timerRan); ++i) dispatch.sleep(5ms);
     sawOther = otherRan;
     sawTimer = timerRan;
-    ++finished;
+    finish();
   });
   dispatch.background([&] {
     otherRan = true;
-    ++finished;
+    finish();
   });
   EXPECT_TRUE(driver->until([&] { return finished == 2; }));
   EXPECT_TRUE(sawOther);

@@ -106,12 +106,16 @@ TEST_P(Monitors, TheCommandIsForTheOneUnderThePointer) {
   open(6, twoMonitors, {"west", "west", "west", "east", "east", "east"});
   program().start();
   if (perMonitor()) {
-    pointAt(900);
-    EXPECT_TRUE(goes(rightKey, 4));
-    EXPECT_TRUE(goes(directKey(3), 5)) << "the third one of this monitor";
-    pointAt(100);
-    EXPECT_TRUE(goes(rightKey, 1));
-    EXPECT_TRUE(goes(directKey(3), 2));
+    const std::vector<int> west = probe().desktopsAt(0, 0);
+    const std::vector<int> east = probe().desktopsAt(640, 0);
+    ASSERT_EQ(west.size(), 3u);
+    ASSERT_EQ(east.size(), 3u);
+    for (const auto& [x, desktops] : {std::pair(100, west), std::pair(900, east), std::pair(100, west)}) {
+      pointAt(x);
+      EXPECT_TRUE(goes(rightKey, desktops[1]));
+      EXPECT_TRUE(goes(directKey(3), desktops[2]));
+      EXPECT_TRUE(goes(rightKey, desktops[0])) << "this monitor's own list ends here";
+    }
     return;
   }
   // The monitors share the desktops; each has a grid of its own shape.

@@ -24,7 +24,8 @@ struct WindowManagerOptions {
   int desktops = 4;
   OwnBindings bindings = OwnBindings::none;
   /// i3 only: the monitor that each desktop belongs to, by name, in order; empty: all on the only monitor.
-  /// i3 takes left, right, up and down for directions, not for names.
+  /// i3 takes left, right, up and down for directions, not for names, and counts the desktops of one monitor after
+  /// those of another in an order of its own.
   std::vector<std::string> monitors = {};
 };
 

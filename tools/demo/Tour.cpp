@@ -99,7 +99,8 @@ void clash(Session& session, Witness& witness) {
   const std::string line =
       fmt::format("HOTKEY: registration 'change space right' ({}) FAILED, status=10", taken.display());
   const bool told = session.program.waitForLog(line, from, Milliseconds(5'000));
-  witness.verdict("the program's log", fmt::format("\"{}\"", line), told ? "the line is there" : "no such line", told);
+  witness.verdict("the program finds out", fmt::format("\"{}\"", line), told ? "the line is there" : "no such line",
+                  told, "the log");
   witness.begin(1);
   witness.pressAndExpectDesktop({leftKey.keyCode, modifiers}, 0);
   witness.note("the other keys of the group work on; freed and chosen anew, so does this one:");
@@ -126,7 +127,7 @@ void tour(Session& session, Witness& witness) {
   witness.heading("Ending the program");
   const auto status = session.program.stop();
   const std::string found = status ? fmt::format("exit status {}", *status) : "it did not end";
-  witness.verdict("sent SIGTERM", "a clean end with exit status 0", found, status == 0);
+  witness.verdict("sent SIGTERM", "a clean end with exit status 0", found, status == 0, "the system");
 }
 
 }  // namespace tessaspaces::demo

@@ -27,10 +27,11 @@ void Witness::note(std::string_view text) const {
   std::fflush(stdout);
 }
 
-void Witness::verdict(std::string_view what, std::string_view expected, std::string_view found, bool right) {
+void Witness::verdict(std::string_view what, std::string_view expected, std::string_view found, bool right,
+                      std::string_view witness) {
   ++steps_;
   if (!right) ++failures_;
-  fmt::print("  {} {}: expected {}, the X server says: {}\n", right ? "✓" : "✗", what, expected, found);
+  fmt::print("  {} {}: expected {}; {} says: {}\n", right ? "✓" : "✗", what, expected, witness, found);
   std::fflush(stdout);
 }
 
@@ -50,7 +51,7 @@ void Witness::pressAndExpectRefusal(KeyCombo combo, std::string_view line) {
   const auto after = session_.probe.currentDesktop();
   verdict(fmt::format("pressed {} on {}", combo.display(), desktopText(before)), "nothing to move", desktopText(after),
           before == after);
-  verdict("and its log", fmt::format("\"{}\"", line), logged ? "the line is there" : "no such line", logged);
+  verdict("and", fmt::format("\"{}\"", line), logged ? "the line is there" : "no such line", logged, "the log");
 }
 
 void Witness::configure(const std::vector<harness::Setting>& settings) const {
@@ -70,7 +71,7 @@ void Witness::picture(std::string_view name) {
   if (session_.server.screenshot(file)) {
     note(fmt::format("picture: {}", file.string()));
   } else {
-    verdict("a picture of the screen", file.string(), "it could not be made", false);
+    verdict("a picture of the screen", file.string(), "it could not be made", false, "ImageMagick");
   }
 }
 

@@ -15,8 +15,9 @@ class Witness {
 
   void heading(std::string_view text) const;
   void note(std::string_view text) const;
-  /// One line with its verdict.
-  void verdict(std::string_view what, std::string_view expected, std::string_view found, bool right);
+  /// One line with its verdict, and who was asked for what is found.
+  void verdict(std::string_view what, std::string_view expected, std::string_view found, bool right,
+               std::string_view witness = "the X server");
   /// Presses the combo; desktop `expected` (from 0) must become the current one.
   void pressAndExpectDesktop(KeyCombo combo, int expected);
   /// Presses the combo; the log must then hold `line`, and the desktop must be the same as before.

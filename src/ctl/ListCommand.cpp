@@ -59,14 +59,24 @@ nlohmann::json toJson(const DisplayDesktops& display) {
           {"desktops", std::move(desktops)}};
 }
 
+/// A title comes from anywhere, a web page for one: it must not command the terminal.
+std::string printable(std::string text) {
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < 0x20 || character == 0x7f) character = ' ';
+  }
+  return text;
+}
+
 void print(const DisplayDesktops& display, std::ostream& out) {
   out << fmt::format("{}  (grid of {} rows, {} columns; {})\n", display.name, Settings::gridRows(display.uuid),
                      Settings::gridColumns(display.uuid), display.uuid);
   for (std::size_t i = 0; i < display.desktops.size(); ++i) {
     const auto& desktop = *display.desktops[i];
-    out << fmt::format("  {} {:>2}  {}\n", desktop.isCurrent ? '*' : ' ', i + 1, desktop.label(static_cast<int>(i)));
+    out << fmt::format("  {} {:>2}  {}\n", desktop.isCurrent ? '*' : ' ', i + 1,
+                       printable(desktop.label(static_cast<int>(i))));
     for (const auto& window : desktop.windows) {
-      out << fmt::format("          {:#x}  {}\n", window.id, window.title.empty() ? "(no title)" : window.title);
+      out << fmt::format("          {:#x}  {}\n", window.id,
+                         window.title.empty() ? "(no title)" : printable(window.title));
     }
   }
 }

@@ -24,7 +24,7 @@ constexpr const char* sampleWorld =
 std::unique_ptr<Platform> open(const std::string& name, std::string* error) {
   if (name == "simulated") return SimulatedPlatform::fromText(sampleWorld, error);
 #ifdef TESSASPACES_HAS_X11
-  if (name == "x11") return X11Platform::open(std::make_unique<RunLoop>(), error);
+  if (name == "x11") return X11Platform::open(std::make_unique<RunLoop>(), error, X11Events::ignored);
 #endif
   *error = "there is no platform '" + name + "' in this build";
   return nullptr;

@@ -118,6 +118,10 @@ std::optional<long long> readNumber(const Entry& entry, std::string_view text) {
     if (const auto mask = readModifiers(text)) return mask;
   }
   const auto number = readInteger(text);
+  // A mask of bits that are no modifiers would take bare keys away from everybody.
+  if (number && entry.kind == Kind::modifiers && (*number & ~static_cast<long long>(KeyCombo::allModifiers)) != 0) {
+    return std::nullopt;
+  }
   return number && *number >= entry.minimum && *number <= entry.maximum ? number : std::nullopt;
 }
 

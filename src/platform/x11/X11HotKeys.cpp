@@ -99,6 +99,8 @@ std::vector<X11HotKeys::Key> X11HotKeys::keysOf(KeyCombo combo) const {
   std::vector<Key> keys;
   if (combo.isEmpty()) return keys;
   const auto bits = map_.modifierBits(combo.modifiers);
+  // Bits that are no modifiers do not make a bare key ours.
+  if (bits == 0) return keys;
   for (const auto keycode : map_.keycodesOf(combo.keyCode)) keys.push_back({keycode, bits});
   return keys;
 }

@@ -19,7 +19,7 @@ namespace tessaspaces {
 /// The event loop of programs without a user interface: the command line, tests, tools. The thread that
 /// constructs it is the main thread; nothing queued runs until that thread calls `run` or `runUntil`.
 /// Sleeps in poll(2) until a descriptor, a timer or another thread needs it: no periodic wake-ups.
-class RunLoop : public Dispatch {
+class RunLoop final : public Dispatch {
  public:
   RunLoop();
   /// Serves the background jobs that still run until they are done, then ends. Main thread.

@@ -125,7 +125,7 @@ std::int32_t X11Platform::processID() const {
 }
 
 std::vector<SessionFinding> X11Platform::examineSession() {
-  return examineX11Session(*parts_->connection, parts_->windowServer);
+  return examineX11Session(*parts_->connection, parts_->windowServer, parts_->screens);
 }
 
 void X11Platform::setConnectionLostHandler(std::function<void()> handler) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "platform/Screens.h"
 #include "platform/Session.h"
 #include "platform/WindowServer.h"
 #include "platform/x11/Connection.h"
@@ -21,6 +22,7 @@ class X11Permissions : public Permissions {
 };
 
 /// See Platform::examineSession. Any thread.
-[[nodiscard]] std::vector<SessionFinding> examineX11Session(Connection& connection, WindowServer& server);
+[[nodiscard]] std::vector<SessionFinding> examineX11Session(Connection& connection, WindowServer& server,
+                                                            Screens& screens);
 
 }  // namespace tessaspaces

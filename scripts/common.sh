@@ -8,10 +8,12 @@ build() {
   local preset=$1
   shift
   # A source that came or went is noticed by the globs themselves; only a first or failed configuration runs again.
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >"build-$preset.log" 2>&1 || {
-    cat "build-$preset.log" >&2
-    return 1
+  [ -f "build/$preset/build.ninja" ] || {
+    mkdir -p "build/$preset"
+    cmake --preset "$preset" >"build/$preset/configure.log" 2>&1 || {
+      cat "build/$preset/configure.log" >&2
+      return 1
+    }
   }
-  rm -f "build-$preset.log"
   cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"}
 }

@@ -71,7 +71,7 @@ class WindowServer {
   virtual std::int32_t mainConnectionID() = 0;
   /// All displays in the window server's order, each with all its spaces in order.
   virtual std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() = 0;
-  /// The space that the display shows now, always asked afresh; 0 when unknown.
+  /// The space that the display shows now, asked afresh but within a ReadScope; 0 when unknown.
   virtual SpaceID managedDisplayGetCurrentSpace(std::string_view display) = 0;
   /// Asks for the display to show the space, by the crudest way there is.
   virtual void managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) = 0;

@@ -76,7 +76,6 @@ TEST_P(Contract, WhatDoesNotExistIsRefusedAndChangesNothing) {
   for (const SpaceID unknown : {SpaceID{0}, SpaceID{99}, ~SpaceID{0}, SpaceID{1} << 32}) {
     EXPECT_FALSE(switchTo(unknown)) << unknown;
     EXPECT_FALSE(server().performBridged(ShowSpaces{{unknown}})) << unknown;
-    EXPECT_FALSE(server().performBridged(HideSpaces{{unknown}})) << unknown;
     EXPECT_FALSE(server().performBridged(MoveWindowsToSpace{{window}, unknown})) << unknown;
     server().managedDisplaySetCurrentSpace(name, unknown);
     server().moveWindowsToManagedSpace(std::vector{window}, unknown);

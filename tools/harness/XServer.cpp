@@ -135,11 +135,17 @@ XServer::XServer(const XServerOptions& options) {
 }
 
 Environment XServer::environment() const {
-  Environment result = {
-      {"DISPLAY", display_},         {"HOME", home()},           {"XDG_RUNTIME_DIR", runtimeFolder()},
-      {"TMPDIR", temporaryFolder()}, {"LANG", "C.UTF-8"},        {"LANGUAGE", "en"},
-      {"XDG_SESSION_TYPE", "x11"},   {"QT_QPA_PLATFORM", "xcb"}, {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
-      {"NO_AT_BRIDGE", "1"}};
+  Environment result = {{"DISPLAY", display_},
+                        {"HOME", home()},
+                        {"XDG_RUNTIME_DIR", runtimeFolder()},
+                        {"TMPDIR", temporaryFolder()},
+                        {"LANG", "C.UTF-8"},
+                        {"LANGUAGE", "en"},
+                        {"XDG_SESSION_TYPE", "x11"},
+                        {"QT_QPA_PLATFORM", "xcb"},
+                        {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
+                        {"NO_AT_BRIDGE", "1"},
+                        {"TESSASPACES_X_FATAL", "1"}};
   for (const char* name :
        {"PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS", "LD_LIBRARY_PATH"}) {
     if (const char* value = std::getenv(name)) result[name] = value;

@@ -56,7 +56,7 @@ Reader::Root Reader::root(RootDetail detail) {
   if (memo != nullptr) memo->root = root;
   const std::lock_guard lock(mutex_);
   // Not when an event has overtaken this reading.
-  if (generation == generation_) knownCount_ = root->managed() ? root->desktopCount : 0;
+  if (generation == generation_) numbering_ = root;
   return root;
 }
 
@@ -77,13 +77,12 @@ Reader::Windows Reader::windows(WindowDetail detail) {
   return windows;
 }
 
-std::uint32_t Reader::desktopCount() {
+Reader::Root Reader::numbering() {
   {
     const std::lock_guard lock(mutex_);
-    if (knownCount_) return *knownCount_;
+    if (numbering_) return numbering_;
   }
-  const auto root = this->root(RootDetail::desktops);
-  return root->managed() ? root->desktopCount : 0;
+  return this->root(RootDetail::desktops);
 }
 
 void Reader::keepRoot(std::function<void()> lookAhead) {
@@ -113,7 +112,7 @@ void Reader::stopKeepingRoot() {
 void Reader::forget() {
   const std::lock_guard lock(mutex_);
   ++generation_;
-  knownCount_.reset();
+  numbering_.reset();
 }
 
 }  // namespace tessaspaces

@@ -32,9 +32,9 @@ class Reader {
   /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
   [[nodiscard]] bool inScope() { return memo() != nullptr; }
 
-  /// Number of desktops that a window manager serves, 0 without one, as of the last reading; reads when
-  /// there was none since `forget`.
-  std::uint32_t desktopCount();
+  /// The root with the desktops that a window manager serves, as of the last reading; reads when there was
+  /// none since `forget`. Right in these, while other parts of it may be out of date. Never null.
+  Root numbering();
   /// The events say that the desktops or their window manager changed.
   void forget();
 
@@ -66,7 +66,7 @@ class Reader {
 
   std::mutex mutex_;  // guards the two below
   std::uint64_t generation_ = 0;
-  std::optional<std::uint32_t> knownCount_;
+  Root numbering_;
 };
 
 }  // namespace tessaspaces

@@ -1,6 +1,7 @@
 #include "platform/x11/RootState.h"
 
 #include <algorithm>
+#include <set>
 
 #include "platform/x11/Properties.h"
 
@@ -9,6 +10,15 @@ namespace {
 
 // More desktops than this are a broken property, not a wish.
 constexpr std::uint32_t maxDesktops = 1024;
+
+constexpr std::string_view renumberingManager = "i3";
+
+/// The FNV-1a hash of the name, out of the way of numbers.
+SpaceID spaceNamed(std::string_view name) {
+  std::uint32_t hash = 2166136261U;
+  for (const char character : name) hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
+  return (SpaceID{1} << 32) | hash;
+}
 
 struct CheckCookies {
   xcb_get_property_cookie_t self;
@@ -36,6 +46,25 @@ bool RootReader::reads(const Atoms& atoms, xcb_atom_t property) {
                                atoms.netDesktopNames,       atoms.netDesktopViewport,  atoms.netActiveWindow,
                                atoms.netClientListStacking, atoms.netClientList};
   return std::find(std::begin(looked), std::end(looked), property) != std::end(looked);
+}
+
+std::optional<std::uint32_t> RootState::desktopOf(SpaceID space) const {
+  const auto found = std::find(spaces.begin(), spaces.end(), space);
+  if (found == spaces.end()) return std::nullopt;
+  return static_cast<std::uint32_t>(found - spaces.begin());
+}
+
+std::vector<SpaceID> numberSpaces(std::string_view managerName, std::uint32_t desktopCount,
+                                  std::span<const std::string> names) {
+  std::vector<SpaceID> spaces;
+  if (managerName == renumberingManager && names.size() >= desktopCount) {
+    for (const auto& name : names.first(desktopCount)) spaces.push_back(spaceNamed(name));
+    const std::set<SpaceID> distinct(spaces.begin(), spaces.end());
+    if (distinct.size() == spaces.size()) return spaces;
+    spaces.clear();
+  }
+  for (std::uint32_t desktop = 0; desktop < desktopCount; ++desktop) spaces.push_back(SpaceID{desktop} + 1);
+  return spaces;
 }
 
 RootState RootReader::read(RootDetail detail) {
@@ -99,6 +128,7 @@ RootState RootReader::read(RootDetail detail) {
     state.checkWindow = check;
     state.managerName = name.value_or("");
   }
+  state.spaces = numberSpaces(state.managerName, state.desktopCount, state.names);
   lastCheckWindow_.store(state.checkWindow);
   return state;
 }

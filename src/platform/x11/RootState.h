@@ -3,9 +3,12 @@
 #include <atomic>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "platform/WindowServer.h"
 #include "platform/x11/Connection.h"
 
 namespace tessaspaces {
@@ -32,9 +35,23 @@ struct RootState {
   /// Front to back; only with RootDetail::windows, and absent when the root lists none.
   std::optional<std::vector<xcb_window_t>> clients;
 
+  /// By desktop: see numberSpaces.
+  std::vector<SpaceID> spaces;
+
+  /// A desktop of `desktopCount`.
+  [[nodiscard]] SpaceID spaceOf(std::uint32_t desktop) const { return spaces[desktop]; }
+  /// Absent for a space that is not there.
+  [[nodiscard]] std::optional<std::uint32_t> desktopOf(SpaceID space) const;
+
   /// A window manager that understands desktops is running.
   [[nodiscard]] bool managed() const { return checkWindow != XCB_NONE && desktopCount > 0; }
 };
+
+/// The ids of the desktops. An EWMH desktop is no more than its number, so its id is that number plus one. But
+/// i3 drops a workspace that is left empty and numbers the others anew, in the middle of a switch too; its
+/// workspaces are known by their names, and so are their ids made, which also stay the same in its next session.
+[[nodiscard]] std::vector<SpaceID> numberSpaces(std::string_view managerName, std::uint32_t desktopCount,
+                                                std::span<const std::string> names);
 
 enum class RootDetail { desktops, windows };
 

@@ -13,13 +13,6 @@ constexpr std::uint32_t fromPager = 2;
 constexpr std::uint32_t removeState = 0;
 constexpr std::int32_t badValue = XCB_VALUE;
 
-SpaceID spaceOf(std::uint32_t desktop) {
-  return SpaceID{desktop} + 1;
-}
-std::uint32_t desktopOf(SpaceID space) {
-  return static_cast<std::uint32_t>(space - 1);
-}
-
 std::vector<DesktopWindow> desktopWindows(const std::vector<WindowRecord>& records) {
   std::vector<DesktopWindow> windows;
   for (const auto& record : records) {
@@ -73,7 +66,7 @@ std::optional<std::vector<ManagedDisplay>> X11WindowServer::copyManagedDisplaySp
   if (!view.root->managed()) return std::nullopt;
   const auto managedSpace = [&](std::uint32_t desktop) {
     ManagedSpace space;
-    space.id64 = space.managedSpaceID = spaceOf(desktop);
+    space.id64 = space.managedSpaceID = view.root->spaceOf(desktop);
     space.type = 0;
     if (desktop < view.root->names.size()) space.name = view.root->names[desktop];
     return space;
@@ -97,7 +90,7 @@ SpaceID X11WindowServer::managedDisplayGetCurrentSpace(std::string_view display)
   const auto monitor = view.layout->find(display);
   if (!monitor || !view.root->managed()) return 0;
   const auto shown = current(view, *monitor);
-  return shown ? spaceOf(*shown) : 0;
+  return shown ? view.root->spaceOf(*shown) : 0;
 }
 
 void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {
@@ -111,9 +104,10 @@ std::optional<std::vector<WindowID>> X11WindowServer::copyWindowsOnSpace(SpaceID
   const auto root = reader_.root(RootDetail::windows);
   if (!root->managed()) return std::nullopt;
   std::vector<WindowID> result;
-  if (space == 0 || space > root->desktopCount) return result;
+  const auto desktop = root->desktopOf(space);
+  if (!desktop) return result;
   for (const auto& record : *reader_.windows(detail)) {
-    if (record.desktop == desktopOf(space) || record.desktop == allDesktops) result.push_back(record.window);
+    if (record.desktop == desktop || record.desktop == allDesktops) result.push_back(record.window);
   }
   return result;
 }
@@ -121,7 +115,7 @@ std::optional<std::vector<WindowID>> X11WindowServer::copyWindowsOnSpace(SpaceID
 std::optional<std::vector<SpaceID>> X11WindowServer::copySpacesForWindows(int /*mask*/,
                                                                           std::span<const WindowID> windows) {
   auto& channel = connection_.requests();
-  const auto count = reader_.root(RootDetail::desktops)->desktopCount;
+  const auto root = reader_.root(RootDetail::desktops);
   std::vector<xcb_get_property_cookie_t> cookies;
   for (const auto window : windows)
     cookies.push_back(askProperty(channel, window, connection_.atoms().netWmDesktop, 1));
@@ -129,9 +123,9 @@ std::optional<std::vector<SpaceID>> X11WindowServer::copySpacesForWindows(int /*
   for (const auto cookie : cookies) {
     const auto desktop = firstItem(channel.await<xcb_get_property_reply>(cookie));
     if (desktop == allDesktops) {
-      for (std::uint32_t i = 0; i < count; ++i) spaces.insert(spaceOf(i));
-    } else if (desktop && *desktop < count) {
-      spaces.insert(spaceOf(*desktop));
+      spaces.insert(root->spaces.begin(), root->spaces.end());
+    } else if (desktop && *desktop < root->desktopCount) {
+      spaces.insert(root->spaceOf(*desktop));
     }
   }
   return std::vector<SpaceID>(spaces.begin(), spaces.end());
@@ -147,10 +141,9 @@ void X11WindowServer::addWindowsToSpaces(std::span<const WindowID> windows, std:
 
 void X11WindowServer::removeWindowsFromSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) {
   std::vector<SpaceID> remaining;
-  const auto count = reader_.desktopCount();
-  for (std::uint32_t desktop = 0; desktop < count; ++desktop) {
-    if (std::find(spaces.begin(), spaces.end(), spaceOf(desktop)) == spaces.end())
-      remaining.push_back(spaceOf(desktop));
+  const auto root = numbering();
+  for (const SpaceID space : root->spaces) {
+    if (std::find(spaces.begin(), spaces.end(), space) == spaces.end()) remaining.push_back(space);
   }
   if (remaining.size() != 1) return;
   std::vector<WindowID> sticky;
@@ -161,7 +154,7 @@ void X11WindowServer::removeWindowsFromSpaces(std::span<const WindowID> windows,
 }
 
 std::int32_t X11WindowServer::spaceSetCompatID(SpaceID space, std::int32_t compatID) {
-  if (!isKnown(space)) return badValue;
+  if (!areKnown({&space, 1})) return badValue;
   const std::lock_guard lock(compatMutex_);
   std::erase_if(compatIDs_, [&](const auto& entry) { return entry.second == space; });
   if (compatID != 0) compatIDs_[compatID] = space;
@@ -178,13 +171,9 @@ std::int32_t X11WindowServer::setWindowListWorkspace(std::span<const WindowID> w
 }
 
 bool X11WindowServer::performBridged(const BridgedOperation& operation) {
-  const auto allKnown = [this](const std::vector<SpaceID>& spaces) {
-    return reader_.desktopCount() > 0 &&
-           std::all_of(spaces.begin(), spaces.end(), [this](SpaceID space) { return isKnown(space); });
-  };
-  return std::visit(Overloaded{[&](const ShowSpaces& show) { return allKnown(show.spaces); },
+  return std::visit(Overloaded{[&](const ShowSpaces& show) { return areKnown(show.spaces); },
                                [&](const SetCurrentSpace& set) { return switchTo(set.display, set.space); },
-                               [&](const HideSpaces& hide) { return allKnown(hide.spaces); },
+                               [&](const HideSpaces&) { return numbering()->managed(); },
                                [&](const MoveWindowsToSpace& moving) { return move(moving.windows, moving.space); }},
                     operation);
 }
@@ -208,26 +197,36 @@ bool X11WindowServer::isVisible(const WindowRecord& window) {
   return view.map.perMonitor || view.root->current == window.desktop;
 }
 
-bool X11WindowServer::isKnown(SpaceID space) {
-  // While events are watched the count is kept right by them; a switch then costs no question.
+Reader::Root X11WindowServer::numbering() {
+  // While events are watched they keep it right; a switch then costs no question.
   if (!pump_.watching()) reader_.forget();
-  return space != 0 && space <= reader_.desktopCount();
+  return reader_.numbering();
+}
+
+bool X11WindowServer::areKnown(std::span<const SpaceID> spaces) {
+  const auto root = numbering();
+  return root->managed() &&
+         std::all_of(spaces.begin(), spaces.end(), [&](SpaceID space) { return root->desktopOf(space).has_value(); });
 }
 
 bool X11WindowServer::switchTo(std::string_view display, SpaceID space) {
-  if (!screens_.layout()->find(display) || !isKnown(space)) return false;
+  const auto root = numbering();
+  const auto desktop = root->desktopOf(space);
+  if (!screens_.layout()->find(display) || !root->managed() || !desktop) return false;
   connection_.sendToRoot(connection_.root(), connection_.atoms().netCurrentDesktop,
-                         {desktopOf(space), connection_.timestamp()});
+                         {*desktop, connection_.timestamp()});
   return true;
 }
 
 bool X11WindowServer::move(std::span<const WindowID> windows, SpaceID space) {
-  if (!isKnown(space)) return false;
+  const auto root = numbering();
+  const auto desktop = root->desktopOf(space);
+  if (!root->managed() || !desktop) return false;
   const auto& atoms = connection_.atoms();
   for (const auto window : windows) {
     // i3 keeps a window on every desktop that has this state, wherever it is sent.
     connection_.sendToRoot(window, atoms.netWmState, {removeState, atoms.netWmStateSticky, 0, fromPager});
-    connection_.sendToRoot(window, atoms.netWmDesktop, {desktopOf(space), fromPager});
+    connection_.sendToRoot(window, atoms.netWmDesktop, {*desktop, fromPager});
   }
   return true;
 }

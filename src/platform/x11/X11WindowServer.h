@@ -13,7 +13,7 @@
 
 namespace tessaspaces {
 
-/// Desktops by EWMH. A space's id is the desktop's number plus one. Window managers that share desktops
+/// Desktops by EWMH; what a space's id is, numberSpaces says. Window managers that share desktops
 /// among monitors show the same list on every display; with those that give each monitor its own, each
 /// display has its own. Displays come in the order of the screens, without those that mirror another.
 class X11WindowServer : public WindowServer {
@@ -35,7 +35,8 @@ class X11WindowServer : public WindowServer {
   void removeWindowsFromSpaces(std::span<const WindowID> windows, std::span<const SpaceID> spaces) override;
   std::int32_t spaceSetCompatID(SpaceID space, std::int32_t compatID) override;
   std::int32_t setWindowListWorkspace(std::span<const WindowID> windows, std::int32_t compatID) override;
-  /// One message switches: ShowSpaces and HideSpaces have nothing left to do.
+  /// One message switches: ShowSpaces and HideSpaces have nothing left to do. A space to hide may be gone by
+  /// then, since i3 drops an empty one as soon as it is left.
   bool performBridged(const BridgedOperation& operation) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override { return reader_.beginRead(); }
   std::optional<std::string> windowManagerName() override;
@@ -50,7 +51,9 @@ class X11WindowServer : public WindowServer {
   struct View;
   View view();
   std::optional<std::uint32_t> current(const View& view, std::size_t monitor);
-  bool isKnown(SpaceID space);
+  /// The desktops as they are numbered now.
+  Reader::Root numbering();
+  bool areKnown(std::span<const SpaceID> spaces);
   bool switchTo(std::string_view display, SpaceID space);
   bool move(std::span<const WindowID> windows, SpaceID space);
 

@@ -12,6 +12,7 @@ namespace tessaspaces {
 
 /// A running application that has windows.
 struct ApplicationInfo {
+  /// Negative where the system knows the application but not its process.
   std::int32_t pid = 0;
   /// For people; empty when the system gives none.
   std::string localizedName;

@@ -22,6 +22,7 @@ struct WindowBounds {
 struct WindowInfo {
   /// 0 is an ordinary application window; docks, menus, notifications and the like have other layers.
   std::optional<int> layer;
+  /// As in ApplicationInfo.
   std::optional<std::int32_t> ownerPid;
   std::optional<WindowID> number;
   std::optional<std::string> name;

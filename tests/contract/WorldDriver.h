@@ -24,6 +24,7 @@ struct Monitor {
 /// Another program's window.
 struct ClientWindow {
   std::string title = "window";
+  /// Where this is 0 the window does not tell; only X11 has such.
   std::int32_t pid = 5001;
   /// Counted from 0 among the first display's desktops.
   int desktop = 0;

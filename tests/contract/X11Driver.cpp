@@ -116,7 +116,7 @@ class X11Driver final : public WorldDriver {
     harness::WindowSpec spec;
     spec.title = window.title;
     spec.frame = {window.x, window.y, window.width, window.height};
-    spec.pid = window.pid;
+    if (window.pid != 0) spec.pid = window.pid;
     spec.desktop = window.desktop;  // the first display's desktops come first everywhere
     return clients_.open(spec);
   }

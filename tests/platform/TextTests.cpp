@@ -8,6 +8,7 @@
 
 #include "platform/x11/DesktopFiles.h"
 #include "platform/x11/Properties.h"
+#include "platform/x11/WindowOwner.h"
 #include "platform/x11/X11Applications.h"
 #include "platform/x11/X11LoginItem.h"
 #include "platform/x11/X11Preferences.h"
@@ -23,6 +24,26 @@ TEST(Properties, WhateverClientsWriteComesOutAsUtf8) {
   EXPECT_EQ(toUtf8("caf\xe9", TextType::string), "café");
   EXPECT_EQ(toUtf8("na\xefve text", TextType::utf8), "naïve text") << "Latin-1 in the wrong property";
   EXPECT_EQ(toUtf8("\xed\xa0\x80", TextType::utf8), "í\xc2\xa0\xc2\x80") << "a lone surrogate is no character";
+}
+
+TEST(WindowOwner, IsAProcessOnlyWhereItIsOneOfThisMachine) {
+  struct Case {
+    const char* what;
+    std::optional<std::uint32_t> pid;
+    std::optional<std::string_view> machine;
+    std::int32_t owner;
+  };
+  const std::vector<Case> cases{
+      {"the usual", 77, "desk", 77},
+      {"with its domain", 77, "desk.example.org", 77},
+      {"with the end of a C string", 77, std::string_view("desk\0", 5), 77},
+      {"no machine", 77, std::nullopt, 77},
+      {"another machine", 77, "desktop", -4},
+      {"no process", std::nullopt, "desk", -4},
+      {"no number of a process", 0, "desk", -4},
+      {"what would look like a client", 0xfffffffe, "desk", -4},
+  };
+  for (const auto& [what, pid, machine, owner] : cases) EXPECT_EQ(ownerFrom(pid, machine, "desk", 3), owner) << what;
 }
 
 TEST(Preferences, LanguagesFollowTheLocaleVariables) {

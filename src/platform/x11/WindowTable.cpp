@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/x11/Properties.h"
+#include "platform/x11/WindowOwner.h"
 
 namespace tessaspaces {
 namespace {
@@ -19,7 +20,7 @@ struct Cookies {
   xcb_get_property_cookie_t state{};
   xcb_get_property_cookie_t extents{};
   xcb_get_property_cookie_t name{};
-  xcb_get_property_cookie_t pid{};
+  OwnerCookies owner{};
 };
 
 int layerOf(const Atoms& atoms, std::span<const std::uint32_t> types) {
@@ -55,7 +56,7 @@ Cookies ask(Connection& connection, xcb_window_t window, WindowDetail detail) {
     cookies.state = askProperty(channel, window, atoms.netWmState, maxListedAtoms);
     cookies.extents = askProperty(channel, window, atoms.netFrameExtents, 4);
     cookies.name = askText(channel, window, atoms.netWmName);
-    cookies.pid = askProperty(channel, window, atoms.netWmPid, 1);
+    cookies.owner = askOwner(connection, window);
   }
   return cookies;
 }
@@ -89,7 +90,7 @@ std::optional<WindowRecord> receive(Connection& connection, xcb_window_t window,
     record.hidden = contains(items(await(cookies.state)), atoms.netWmStateHidden);
     const auto extents = await(cookies.extents);
     record.title = text(await(cookies.name));
-    if (const auto pid = firstItem(await(cookies.pid))) record.pid = static_cast<std::int32_t>(*pid);
+    record.pid = receiveOwner(connection, window, cookies.owner);
     alive = alive && geometry && position;
     if (alive) record.bounds = frameOf(*geometry, *position, items(extents));
   }

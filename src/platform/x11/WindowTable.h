@@ -25,6 +25,7 @@ struct WindowRecord {
   // Only with WindowDetail::everything.
   int layer = 0;
   bool hidden = false;
+  /// As `receiveOwner` gives it.
   std::optional<std::int32_t> pid;
   std::optional<std::string> title;
   WindowBounds bounds;

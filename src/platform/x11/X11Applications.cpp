@@ -5,6 +5,7 @@
 
 #include "platform/x11/Properties.h"
 #include "platform/x11/Text.h"
+#include "platform/x11/WindowOwner.h"
 
 namespace tessaspaces {
 namespace {
@@ -25,13 +26,11 @@ std::uint32_t premultiplied(std::uint32_t pixel) {
 std::vector<X11Applications::Owned> X11Applications::ownedWindows() {
   const auto root = reader_.root(RootDetail::windows);
   const auto clients = root->clients ? *root->clients : findClients(connection_);
-  auto& channel = connection_.requests();
-  std::vector<xcb_get_property_cookie_t> cookies;
-  for (const auto window : clients) cookies.push_back(askProperty(channel, window, connection_.atoms().netWmPid, 1));
+  std::vector<OwnerCookies> cookies;
+  for (const auto window : clients) cookies.push_back(askOwner(connection_, window));
   std::vector<Owned> owned;
   for (std::size_t i = 0; i < clients.size(); ++i) {
-    const auto pid = firstItem(channel.await<xcb_get_property_reply>(cookies[i]));
-    if (pid) owned.push_back({clients[i], static_cast<std::int32_t>(*pid)});
+    if (const auto pid = receiveOwner(connection_, clients[i], cookies[i])) owned.push_back({clients[i], *pid});
   }
   return owned;
 }
@@ -70,11 +69,9 @@ std::vector<ApplicationInfo> X11Applications::describe(const std::vector<Owned>&
 std::optional<ApplicationInfo> X11Applications::frontmost() {
   const auto active = reader_.root(RootDetail::desktops)->activeWindow;
   if (active == XCB_NONE) return std::nullopt;
-  auto& channel = connection_.requests();
-  const auto cookie = askProperty(channel, active, connection_.atoms().netWmPid, 1);
-  const auto pid = firstItem(channel.await<xcb_get_property_reply>(cookie));
+  const auto pid = receiveOwner(connection_, active, askOwner(connection_, active));
   if (!pid) return std::nullopt;
-  return describe({{active, static_cast<std::int32_t>(*pid)}}).front();
+  return describe({{active, *pid}}).front();
 }
 
 std::optional<ApplicationInfo> X11Applications::running(std::int32_t pid) {

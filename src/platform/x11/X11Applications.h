@@ -6,7 +6,8 @@
 
 namespace tessaspaces {
 
-/// Applications as far as X11 knows them: the processes that own windows.
+/// Applications as far as X11 knows them: the processes that own windows, and the X clients that do not
+/// name theirs (`receiveOwner`).
 class X11Applications : public Applications {
  public:
   X11Applications(Connection& connection, Reader& reader, DesktopFiles& desktopFiles)
@@ -24,7 +25,7 @@ class X11Applications : public Applications {
     xcb_window_t window = XCB_NONE;
     std::int32_t pid = 0;
   };
-  /// The windows that name their process, front to back.
+  /// All client windows with their owners, front to back.
   std::vector<Owned> ownedWindows();
   std::optional<xcb_window_t> frontWindow(std::int32_t pid);
   std::vector<ApplicationInfo> describe(const std::vector<Owned>& windows);

@@ -1,0 +1,43 @@
+// What the X11 platform promises beyond the contract, under a window manager of the usual kind.
+#include <algorithm>
+
+#include "contract/ContractTest.h"
+#include "contract/X11Driver.h"
+#include "platform/x11/X11Platform.h"
+
+namespace tessaspaces::contract {
+
+class X11Contract : public Contract {
+ protected:
+  X11Platform& x11() { return static_cast<X11Platform&>(platform()); }
+};
+
+TEST_P(X11Contract, AClientThatNamesNoProcessIsAnApplicationToo) {
+  start();
+  const auto named = driver->open({.title = "named", .pid = 5001});
+  const auto first = driver->open({.title = "first", .pid = 0});
+  const auto second = driver->open({.title = "second", .pid = 0});
+  for (const auto window : {first, named, second}) {
+    driver->focus(window);
+    // As the model finds the focused window: the foremost one of the frontmost application.
+    EXPECT_TRUE(driver->until([&] {
+      const auto reading = server().beginRead();
+      const auto front = platform().applications().frontmost();
+      const auto list =
+          platform().windowList().copyWindowInfo(WindowListOption::onScreenWithoutDesktopElements).value();
+      const auto found = std::find_if(list.begin(), list.end(),
+                                      [&](const auto& each) { return front && each.ownerPid == front->pid; });
+      return found != list.end() && found->number == window;
+    })) << info(window)->name.value_or("");
+  }
+  const auto owner = info(first)->ownerPid;
+  ASSERT_TRUE(owner.has_value());
+  EXPECT_LT(*owner, 0) << "no process has this number";
+  EXPECT_EQ(info(second)->ownerPid, owner);
+  EXPECT_EQ(info(named)->ownerPid, 5001);
+  EXPECT_TRUE(platform().applications().running(*owner).has_value());
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, X11Contract, testing::Values(x11Backends().front()), testing::PrintToStringParamName());
+
+}  // namespace tessaspaces::contract

@@ -38,6 +38,25 @@ TEST_P(X11Contract, AClientThatNamesNoProcessIsAnApplicationToo) {
   EXPECT_TRUE(platform().applications().running(*owner).has_value());
 }
 
+TEST_P(X11Contract, EachPressOfABurstCountsWhereThePointerWas) {
+  start();
+  constexpr KeyCombo combo{124, KeyCombo::control | KeyCombo::option};
+  std::vector<double> columns;
+  platform().hotKeys().setPressHandler([&](HotKeyID) {
+    platform().dispatch().async([&] { columns.push_back(platform().screens().pointer().x); });
+  });
+  ASSERT_TRUE(platform().hotKeys().registerHotKey(combo, {1, 1}).handle.has_value());
+  for (const int x : {100, 200, 300}) {
+    driver->movePointer(x, 50);
+    driver->pressKey(combo);
+  }
+  driver->movePointer(400, 50);
+  EXPECT_TRUE(driver->until([&] { return columns.size() == 3; }));
+  EXPECT_THAT(columns, testing::ElementsAre(100, 200, 300));
+  driver->settle();
+  EXPECT_EQ(platform().screens().pointer().x, 400) << "nothing of them lasts";
+}
+
 INSTANTIATE_TEST_SUITE_P(X11, X11Contract, testing::Values(x11Backends().front()), testing::PrintToStringParamName());
 
 }  // namespace tessaspaces::contract

@@ -185,9 +185,9 @@ void X11HotKeys::pressed(const xcb_key_press_event_t& event) {
   for (const auto& [handle, hotKey] : registered_) {
     if (std::find(hotKey.keys.begin(), hotKey.keys.end(), key) == hotKey.keys.end()) continue;
     const auto id = hotKey.id;  // the handler may unregister
-    screens_.setPressPosition(PixelPoint{event.root_x, event.root_y});
+    // Around what the handler queues, for which another press may already be waiting in the same burst.
+    pump_.later([this, at = PixelPoint{event.root_x, event.root_y}] { screens_.setPressPosition(at); });
     if (handler_) handler_(id);
-    // Behind what the handler has queued.
     pump_.later([this] { screens_.setPressPosition(std::nullopt); });
     return;
   }

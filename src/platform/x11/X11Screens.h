@@ -40,8 +40,8 @@ class X11Screens : public Screens, public EventListener {
   ScreenRef mainScreen() override;
   /// The pixel under the pointer, counted from the bottom: a pointer in the top row is inside its screen.
   Point pointer() override;
-  /// While the main thread works on a key press, the pointer counts as where the press found it: the display
-  /// that the user meant, and no question to the server on the road from the key to the switch.
+  /// While the main thread does what a key press has queued, the pointer counts as where the press found it: the
+  /// display that the user meant, and no question to the server on the road from the key to the switch.
   void setPressPosition(std::optional<PixelPoint> position) { press_ = position; }
 
   /// Never null. Any thread.

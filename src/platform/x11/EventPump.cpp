@@ -5,6 +5,11 @@
 namespace tessaspaces {
 namespace {
 
+// Clients can send events faster than they are dealt with: timers and the work that keys have queued get their
+// turn in between. More than the start or the end of a session brings.
+constexpr int eventsPerDrain = 500;
+constexpr int passesPerDrain = 10;
+
 // The server's time of the events that carry one.
 xcb_timestamp_t timeOf(const xcb_generic_event_t& event) {
   switch (eventType(event)) {
@@ -32,18 +37,27 @@ void EventPump::stop() {
 
 void EventPump::drain() {
   auto& channel = connection_.events();
+  int events = eventsPerDrain;
+  int passes = passesPerDrain;
   bool any = true;
   while (any) {
     any = false;
     // Before the last look: writing also reads, into a queue that the descriptor does not show.
     channel.flush();
-    while (const EventRef event = next()) {
+    while (events > 0) {
+      const EventRef event = next();
+      if (!event) break;
       any = true;
+      --events;
       dispatchEvent(*event);
     }
     // Listeners may wait for replies here, which can queue more events.
     if (any) {
       for (auto* listener : listeners_) listener->eventsDrained();
+    }
+    if (events == 0 || --passes == 0) {
+      drainLater();
+      break;
     }
   }
   if (channel.broken()) {

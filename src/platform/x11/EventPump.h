@@ -18,7 +18,7 @@ class EventListener {
   virtual void handle(const xcb_generic_event_t& event) = 0;
   /// The event has arrived and will be handled in its turn; something may be out of date from now on.
   virtual void foresee(const xcb_generic_event_t& /*event*/) {}
-  /// The queue is empty for now: the time to act once on many events.
+  /// The queue is empty for now, or long: the time to act once on many events.
   virtual void eventsDrained() {}
 };
 
@@ -35,7 +35,7 @@ class EventPump {
   void stop();
   /// Any thread. False without a watch: then nothing may be cached that events would have to keep right.
   [[nodiscard]] bool watching() const { return watching_.load(std::memory_order_relaxed); }
-  /// Takes everything off the queue now.
+  /// Takes everything off the queue now; of very much the rest soon.
   void drain();
   /// Has the listeners foresee what has arrived, without handling it yet.
   void lookAhead();

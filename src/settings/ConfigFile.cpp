@@ -66,11 +66,17 @@ struct ConfigFile::State {
 
   std::vector<std::pair<std::string, LogLevel>> pendingLogs;
 
+  bool createDirectory() const {
+    std::error_code error;  // a later write reports what is wrong
+    fs::create_directories(directory, error);
+    return !error;
+  }
+
   void makeDirectory() {
     if (directory.empty()) directory = defaultConfigDirectory();
-    if (std::exchange(directoryMade, true)) return;
-    std::error_code ignored;  // a later write reports what is wrong
-    fs::create_directories(directory, ignored);
+    // Once there, it is not made again by a mere look: when it goes (a home that is not there just now), the
+    // values in memory go on.
+    if (!directoryMade) directoryMade = createDirectory();
   }
 
   [[nodiscard]] fs::path file() {
@@ -166,6 +172,7 @@ void ConfigFile::State::write(const fs::path& target, DirectoryLock::State lock,
   renamed = false;
   auto error = onDisk == OnDisk::unparsable ? keepUnparsable(target) : std::nullopt;
   if (!error) {
+    createDirectory();  // somebody may have removed it
     // Only the holder of the lock may use the plain name, so that one found there was left by a process
     // that died.
     const auto temporary = lock == DirectoryLock::State::held ? target.string() + ".tmp"
@@ -327,6 +334,16 @@ std::vector<std::string> ConfigFile::reloadIfChanged() {
   return withLoaded([](State& state) {
     const auto changed = std::exchange(state.changedByOthers, {});
     return std::vector<std::string>(changed.begin(), changed.end());
+  });
+}
+
+std::optional<std::string> ConfigFile::complaint() {
+  {
+    const std::lock_guard guard(lock_);
+    if (state_->loaded && state_->mayHaveChanged()) state_->refresh();
+  }
+  return withLoaded([](const State& state) {
+    return state.onDisk == State::OnDisk::unparsable ? std::optional(state.complaint) : std::nullopt;
   });
 }
 

@@ -47,6 +47,7 @@ class ConfigFile {
   [[nodiscard]] std::string stringOrStore(std::string_view key, std::string candidate);
   void importLegacy(const std::vector<std::string>& keys, const LegacyLookup& lookup);
   [[nodiscard]] std::vector<std::string> reloadIfChanged();
+  [[nodiscard]] std::optional<std::string> complaint();
 
   [[nodiscard]] std::filesystem::path directory();
   [[nodiscard]] std::filesystem::path fileURL();

@@ -52,6 +52,9 @@ void migrateFromUserDefaults(const std::vector<std::string>& keys) {
 std::vector<std::string> reloadIfChanged() {
   return file().reloadIfChanged();
 }
+std::optional<std::string> complaint() {
+  return file().complaint();
+}
 std::filesystem::path directory() {
   return file().directory();
 }

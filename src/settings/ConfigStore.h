@@ -58,7 +58,12 @@ void migrateFromUserDefaults(const std::vector<std::string>& keys);
 /// when nothing happened.
 [[nodiscard]] std::vector<std::string> reloadIfChanged();
 
-/// ~/.config/tessaspaces unless `useDirectory` said otherwise; made when first asked for, if it can be.
+/// Why the file that lies there now cannot be read, in a few words of English; absent when it can be and when
+/// there is none. Never waits, whatever lies there.
+[[nodiscard]] std::optional<std::string> complaint();
+
+/// ~/.config/tessaspaces unless `useDirectory` said otherwise; made when first asked for, if it can be, and
+/// again by a change when it has gone.
 [[nodiscard]] std::filesystem::path directory();
 /// config.json in `directory()`.
 [[nodiscard]] std::filesystem::path fileURL();

@@ -153,11 +153,13 @@ TEST_F(ConfigFileTest, KeepsAFileThatItCannotRead) {
     EXPECT_EQ(readText(file), text) << "reading must not touch it";
     store->remove("a");
     EXPECT_EQ(readText(file), text) << "nothing changed";
+    EXPECT_TRUE(store->complaint());
 
     lines = {};
     store->set("b", ConfigValue(1LL));
     store->set("c", ConfigValue(2LL));
     EXPECT_EQ(onDisk(), Json::parse(R"({"b": 1, "c": 2})"));
+    EXPECT_EQ(store->complaint(), std::nullopt) << "what lies there now is fine";
     const auto number = names.size();
     names.push_back("config.json.unreadable" + (number == 1 ? "" : "." + std::to_string(number)));
     EXPECT_EQ(readText(folder.path() / names.back()), text);
@@ -179,6 +181,7 @@ TEST_F(ConfigFileTest, KeepsWhateverElseLiesThere) {
   // A pipe must not hold the program up.
   fs::remove(file);
   ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  EXPECT_EQ(open()->complaint(), "not a regular file");
   open()->set("a", ConfigValue(2LL));
   EXPECT_EQ(onDisk()["a"], 2);
 }
@@ -218,6 +221,19 @@ TEST_F(ConfigFileTest, GoesOnFromMemoryWhenItCannotWrite) {
   store->set("b", ConfigValue("y"));
   EXPECT_EQ(Json::parse(readText(blocked / "config.json")), Json::parse(R"({"a": 1, "b": "y", "c": 8})"));
   EXPECT_EQ(lines.error.size(), 3u);
+}
+
+TEST_F(ConfigFileTest, MakesItsFolderAnewWhenThereIsSomethingToWrite) {
+  const auto own = folder / "own";
+  const auto store = open(own);
+  store->set("a", ConfigValue(1LL));
+  fs::remove_all(own);
+  EXPECT_EQ(store->reloadIfChanged(), std::vector<std::string>());
+  EXPECT_EQ(store->complaint(), std::nullopt);
+  EXPECT_FALSE(fs::exists(own)) << "its place may be missing for a moment only";
+  store->set("b", ConfigValue(2LL));
+  EXPECT_EQ(Json::parse(readText(own / "config.json")), Json::parse(R"({"a": 1, "b": 2})"));
+  EXPECT_THAT(lines.error, IsEmpty());
 }
 
 TEST_F(ConfigFileTest, NoticesWhatOthersChange) {

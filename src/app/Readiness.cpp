@@ -1,10 +1,8 @@
 #include "app/Readiness.h"
 
 #include <algorithm>
-#include <fstream>
-#include <nlohmann/json.hpp>
-#include <system_error>
 
+#include "settings/ConfigFolder.h"
 #include "settings/ConfigStore.h"
 #include "settings/L10n.h"
 
@@ -56,15 +54,11 @@ std::vector<Row> rows(const std::vector<SessionFinding>& findings) {
 }
 
 Row configurationRow() {
-  const std::string path = ConfigStore::fileURL().string();
+  const std::string path = displayPath(ConfigStore::fileURL());
   Row row{State::ok, L10n::t("launch.configuration.title"), path};
-  std::error_code error;
-  if (!std::filesystem::exists(path, error)) return row;
-  std::ifstream file(path);
-  const auto parsed = nlohmann::json::parse(file, nullptr, false);
-  if (!file.is_open() || !parsed.is_object()) {
+  if (const auto complaint = ConfigStore::complaint()) {
     row.state = State::warning;
-    row.detail = L10n::t("launch.configuration.unreadable", path);
+    row.detail = L10n::t("launch.configuration.unreadable", path, *complaint);
   }
   return row;
 }

@@ -19,6 +19,13 @@ std::filesystem::path homeDirectory() {
   return "/";
 }
 
+std::string displayPath(const std::filesystem::path& path) {
+  auto text = path.string();
+  const auto home = homeDirectory().string();
+  const bool inside = text.starts_with(home) && text.substr(home.size()).starts_with('/');
+  return inside ? "~" + text.substr(home.size()) : text;
+}
+
 std::filesystem::path defaultConfigDirectory() {
   return homeDirectory() / ".config" / "tessaspaces";
 }

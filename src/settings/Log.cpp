@@ -32,10 +32,7 @@ std::filesystem::path fileURL() {
 }
 
 std::string displayPath() {
-  const auto path = fileURL().string();
-  const auto home = homeDirectory().string();
-  const bool inside = path.starts_with(home) && path.substr(home.size()).starts_with('/');
-  return inside ? "~" + path.substr(home.size()) : path;
+  return tessaspaces::displayPath(fileURL());
 }
 
 void takeReports() {

@@ -324,5 +324,44 @@ TEST_F(AppDelegateTest, ChangesOfTheFileTakeEffectAtOnce) {
   EXPECT_NE(launchWindow(), nullptr) << "a change that runs into another program's keys is told";
 }
 
+TEST_F(AppDelegateTest, ChangesAreFoundWhereverTheFileGoes) {
+  namespace fs = std::filesystem;
+  const fs::path own = folder / "own";
+  const fs::path file = own / "config.json";
+  const auto write = [](const fs::path& path, int modifiers) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << R"({"tessaspaces.hotkey.0": )" << modifiers << "}";
+  };
+  const auto follows = [&](std::uint32_t modifiers) {
+    return waitFor([&] {
+      sim->time().runUntilIdle();
+      return sim->pressKey({KeyCombo::arrowKeyCodes[0], modifiers});
+    });
+  };
+  ConfigStore::useDirectory(own);
+  write(file, 4096);
+  delegate = std::make_unique<AppDelegate>();
+  delegate->applicationDidFinishLaunching();
+  write(file, 2048);
+  EXPECT_TRUE(follows(2048)) << "changed between the start and the watch";
+
+  // Into somebody's collection of settings, with a link in its place.
+  fs::create_directory(folder / "dotfiles");
+  fs::rename(file, folder / "dotfiles/kept.json");
+  fs::create_symlink(folder / "dotfiles/kept.json", file);
+  write(folder / "dotfiles/new.json", 256);
+  fs::rename(folder / "dotfiles/new.json", folder / "dotfiles/kept.json");
+  EXPECT_TRUE(follows(256));
+  write(folder / "dotfiles/new.json", 768);
+  fs::rename(folder / "dotfiles/new.json", folder / "dotfiles/kept.json");
+  EXPECT_TRUE(follows(768));
+
+  fs::rename(own, folder / "elsewhere");
+  QCoreApplication::processEvents();
+  write(folder / "parked/config.json", 2304);
+  fs::rename(folder / "parked", own);
+  EXPECT_TRUE(follows(2304));
+}
+
 }  // namespace
 }  // namespace tessaspaces

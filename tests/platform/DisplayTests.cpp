@@ -85,6 +85,22 @@ TEST(WorkArea, StrutsReserveOnlyWhatTheyTouch) {
   EXPECT_EQ(withoutStruts(left, root, {{Edge::left, 1000, 0, 1199}}), left);
 }
 
+TEST(WorkArea, StrutsBeyondAllMeasureReserveNothing) {
+  const PixelRect root{0, 0, 1920, 1200};
+  const auto rest = [&](std::vector<std::uint32_t> values) {
+    std::vector<Strut> struts;
+    addStruts(values, root, struts);
+    return withoutStruts(root, root, struts);
+  };
+  EXPECT_EQ(rest({0, 0, 30, 0}), (PixelRect{0, 30, 1920, 1170})) << "along the whole edge";
+  EXPECT_EQ(rest({0, 0, 30, 0, 0, 0, 0, 0, 0, 0xffffffff, 0, 0}), (PixelRect{0, 30, 1920, 1170}));
+  for (const std::uint32_t depth : {0x7fffffffU, 0x80000000U, 0xffffffffU}) {
+    EXPECT_EQ(rest({depth, depth, depth, depth}), root) << depth;
+    EXPECT_EQ(rest({0, 0, 30, 0, 0, 0, 0, 0, depth, depth, 0, 0}), root) << depth;
+  }
+  EXPECT_EQ(rest({30, 30, 30}), root) << "half a property";
+}
+
 const std::vector<MonitorArea> monitors{{"left", {0, 0, 960, 1080}}, {"right", {960, 0, 960, 1080}}};
 
 TEST(DesktopMap, DesktopsBelongToMonitorsOnlyWhenAllOriginsSaySo) {

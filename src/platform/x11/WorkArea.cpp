@@ -1,14 +1,13 @@
 #include "platform/x11/WorkArea.h"
 
 #include <algorithm>
-#include <span>
 
 #include "platform/x11/Properties.h"
 
 namespace tessaspaces {
 namespace {
 
-constexpr std::uint32_t maxClients = 4096;
+constexpr std::uint32_t maxCoordinate = 0xffff;
 constexpr std::size_t workAreaItems = 4;
 
 PixelRect intersection(const PixelRect& a, const PixelRect& b) {
@@ -17,17 +16,9 @@ PixelRect intersection(const PixelRect& a, const PixelRect& b) {
   return {left, top, std::min(a.x + a.width, b.x + b.width) - left, std::min(a.y + a.height, b.y + b.height) - top};
 }
 
-void addStruts(std::span<const std::uint32_t> values, const PixelRect& root, std::vector<Strut>& struts) {
-  if (values.size() < 4) return;
-  for (std::size_t i = 0; i < 4; ++i) {
-    if (values[i] == 0) continue;
-    Strut strut{static_cast<Strut::Edge>(i), static_cast<int>(values[i]), 0, i < 2 ? root.height - 1 : root.width - 1};
-    if (values.size() >= 12) {
-      strut.start = static_cast<int>(values[4 + 2 * i]);
-      strut.end = static_cast<int>(values[5 + 2 * i]);
-    }
-    struts.push_back(strut);
-  }
+// Clients write what they like: no coordinate lies beyond, and sums stay far from overflowing.
+int pixels(std::uint32_t value) {
+  return static_cast<int>(std::min(value, maxCoordinate));
 }
 
 std::vector<Strut> readStruts(Channel& channel, const Atoms& atoms, std::span<const std::uint32_t> clients,
@@ -51,6 +42,19 @@ std::vector<Strut> readStruts(Channel& channel, const Atoms& atoms, std::span<co
 }
 
 }  // namespace
+
+void addStruts(std::span<const std::uint32_t> values, const PixelRect& root, std::vector<Strut>& struts) {
+  if (values.size() < 4) return;
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (values[i] == 0) continue;
+    Strut strut{static_cast<Strut::Edge>(i), pixels(values[i]), 0, i < 2 ? root.height - 1 : root.width - 1};
+    if (values.size() >= 12) {
+      strut.start = pixels(values[4 + 2 * i]);
+      strut.end = pixels(values[5 + 2 * i]);
+    }
+    struts.push_back(strut);
+  }
+}
 
 PixelRect withoutStruts(PixelRect monitor, const PixelRect& root, const std::vector<Strut>& struts) {
   for (const auto& strut : struts) {
@@ -80,7 +84,7 @@ PixelRect withoutStruts(PixelRect monitor, const PixelRect& root, const std::vec
 void readWorkAreas(Connection& connection, std::vector<Monitor>& monitors, const PixelRect& root) {
   auto& channel = connection.requests();
   const auto& atoms = connection.atoms();
-  const auto clientsCookie = askProperty(channel, connection.root(), atoms.netClientList, maxClients);
+  const auto clientsCookie = askProperty(channel, connection.root(), atoms.netClientList);
   const auto workCookie = askProperty(channel, connection.root(), atoms.netWorkarea);
   const auto desktopCookie = askProperty(channel, connection.root(), atoms.netCurrentDesktop, 1);
   const auto clients = channel.await<xcb_get_property_reply>(clientsCookie);
@@ -95,8 +99,8 @@ void readWorkAreas(Connection& connection, std::vector<Monitor>& monitors, const
   const auto first = std::size_t{desktop} * workAreaItems;
   if (monitors.size() == 1 && areas.size() >= workAreaItems) {
     const auto area = areas.subspan(first + workAreaItems <= areas.size() ? first : 0, workAreaItems);
-    const auto rest = intersection(monitors[0].workArea, {static_cast<int>(area[0]), static_cast<int>(area[1]),
-                                                          static_cast<int>(area[2]), static_cast<int>(area[3])});
+    const auto rest =
+        intersection(monitors[0].workArea, {pixels(area[0]), pixels(area[1]), pixels(area[2]), pixels(area[3])});
     if (rest.width > 0 && rest.height > 0) monitors[0].workArea = rest;
   }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <vector>
 
 #include "platform/x11/Connection.h"
@@ -16,6 +18,10 @@ struct Strut {
   int start = 0;
   int end = 0;
 };
+
+/// Adds what _NET_WM_STRUT (four values) or _NET_WM_STRUT_PARTIAL (twelve) reserves along the root's edges; fewer
+/// values reserve nothing.
+void addStruts(std::span<const std::uint32_t> values, const PixelRect& root, std::vector<Strut>& struts);
 
 /// `monitor` without what the struts reserve of it; a strut that would leave nothing is not believed.
 [[nodiscard]] PixelRect withoutStruts(PixelRect monitor, const PixelRect& root, const std::vector<Strut>& struts);

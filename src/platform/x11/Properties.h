@@ -16,7 +16,9 @@ using PropertyReply = Reply<xcb_get_property_reply_t>;
 
 /// Longest text read, in bytes. Titles and names beyond it are cut.
 constexpr std::uint32_t maxTextBytes = 64 * 1024;
-constexpr std::uint32_t maxListItems = 1 << 20;
+/// Most items read of a list, such as that of the windows. Each may cost requests of its own, and any program can
+/// write the list; what people have open is far below.
+constexpr std::uint32_t maxListItems = 4096;
 
 /// Asks for a property of any type, at most `maxItems` 32-bit units of it.
 xcb_get_property_cookie_t askProperty(Channel& channel, xcb_window_t window, xcb_atom_t property,

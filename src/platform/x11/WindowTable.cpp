@@ -1,6 +1,8 @@
 #include "platform/x11/WindowTable.h"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 
 #include "platform/x11/Properties.h"
 #include "platform/x11/WindowOwner.h"
@@ -100,8 +102,14 @@ std::optional<WindowRecord> receive(Connection& connection, xcb_window_t window,
 
 }  // namespace
 
-std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> windows,
+std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> listed,
                                       WindowDetail detail) {
+  std::vector<xcb_window_t> windows;
+  windows.reserve(listed.size());
+  std::unordered_set<xcb_window_t> seen;
+  std::copy_if(listed.begin(), listed.end(), std::back_inserter(windows),
+               [&](xcb_window_t window) { return seen.insert(window).second; });
+
   auto& channel = connection.requests();
   std::vector<Cookies> cookies;
   cookies.reserve(windows.size());

@@ -45,8 +45,9 @@ constexpr int notification = 102;
 }  // namespace layers
 
 /// Reads the windows, in the given order, in one batch of requests; with everything one more for the
-/// windows that have a title only in the old property. Windows that are gone are left out. Any thread.
-[[nodiscard]] std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> windows,
+/// windows that have a title only in the old property. Windows that are gone are left out, and those that are
+/// listed again. Any thread.
+[[nodiscard]] std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> listed,
                                                     WindowDetail detail);
 
 /// Without a client list: the windows that carry WM_STATE, front to back, looking inside frames.

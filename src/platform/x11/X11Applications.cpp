@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint32_t fromPager = 2;
 constexpr int wantedIconSize = 64;
 constexpr std::uint32_t maxIconSide = 1024;
+constexpr std::uint32_t maxIconItems = 1 << 20;
 constexpr std::uint32_t maxClassBytes = 1024;
 
 std::uint32_t premultiplied(std::uint32_t pixel) {
@@ -94,7 +95,7 @@ ImageRef X11Applications::icon(std::int32_t pid) {
   const auto window = frontWindow(pid);
   if (!window) return nullptr;
   const auto reply =
-      channel.await<xcb_get_property_reply>(askProperty(channel, *window, connection_.atoms().netWmIcon));
+      channel.await<xcb_get_property_reply>(askProperty(channel, *window, connection_.atoms().netWmIcon, maxIconItems));
   return pickIcon(items(reply), wantedIconSize);
 }
 

@@ -86,6 +86,9 @@ std::unique_ptr<X11Platform> X11Platform::open(std::unique_ptr<Dispatch> dispatc
 X11Platform::X11Platform(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
 
 X11Platform::~X11Platform() {
+  // Parts that end after the dispatch still speak to the server; if it has gone, nobody is left to hear of that.
+  parts_->lost = true;
+  parts_->lostHandler = nullptr;
   parts_->pump.stop();
   parts_->reader.stopKeepingRoot();
   // Its background jobs may be in the middle of a switch: they end while everything is still there.

@@ -132,16 +132,15 @@ xcb_timestamp_t Connection::askTime() {
   return answered ? lastTime_ : xcb_timestamp_t{XCB_CURRENT_TIME};
 }
 
-void Connection::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data) {
+void Connection::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
+                            std::uint32_t mask) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
   message.window = window;
   message.type = type;
   std::copy_n(data.begin(), std::min<std::size_t>(data.size(), 5), message.data.data32);
-  requests_.send<xcb_send_event>(
-      std::uint8_t{0}, root(), std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY},
-      reinterpret_cast<const char*>(&message));
+  requests_.send<xcb_send_event>(std::uint8_t{0}, root(), mask, reinterpret_cast<const char*>(&message));
   requests_.flush();
 }
 

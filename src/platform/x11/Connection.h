@@ -41,8 +41,12 @@ class Connection {
   /// whose event may not have been read yet. Any thread.
   [[nodiscard]] xcb_timestamp_t askTime();
 
-  /// Sends a client message of format 32 about `window` to the root, as pagers do, and flushes. Any thread.
-  void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data);
+  /// Where messages to the window manager go; it alone may select the first.
+  static constexpr std::uint32_t toManager = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+  /// Sends a client message of format 32 about `window` to those who selected any of the event mask on the root,
+  /// and flushes. Any thread.
+  void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
+                  std::uint32_t mask = toManager);
 
   /// Takes the errors of requests without reply off the request connection. Any thread.
   void drainRequests();

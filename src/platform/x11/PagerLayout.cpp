@@ -39,8 +39,9 @@ bool PagerLayout::acquire() {
     channel.send<xcb_set_selection_owner>(own, selection, time);
     owning_ = owner() == own;
     if (owning_) {
-      // The convention of manager selections: tell everyone that there is a new owner.
-      connection_.sendToRoot(connection_.root(), connection_.atoms().manager, {time, selection, own});
+      // The convention of manager selections (ICCCM 2.8): tell everyone that there is a new owner.
+      connection_.sendToRoot(connection_.root(), connection_.atoms().manager, {time, selection, own},
+                             XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     }
   }
   pump_.drainLater();

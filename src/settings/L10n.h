@@ -2,7 +2,6 @@
 
 #include <concepts>
 #include <filesystem>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <variant>

@@ -9,6 +9,7 @@
 
 #include "base/KeyCombo.h"
 #include "settings/SettingsTable.h"
+#include "settings/TextTools.h"
 
 // How settings are written for people: on the command line and in the documentation.
 
@@ -149,7 +150,10 @@ Parsed parse(const Entry& entry, std::string_view text) {
       }
       if (text.empty()) break;
       return {ConfigValue(std::string(text)), {}};
-    case Kind::text: return {ConfigValue(std::string(text)), {}};
+    case Kind::text:
+      if (entry.setting == Setting::desktopNickname) text = trimmedWhiteSpace(text);
+      if (entry.setting == Setting::desktopNickname && text.empty()) break;
+      return {ConfigValue(std::string(text)), {}};
   }
   return wrong(entry, text);
 }
@@ -181,7 +185,7 @@ std::string describeValues(const Entry& entry) {
     case Kind::choice: return joined(entry.names);
     case Kind::modifiers: return "none, or control, option, shift, command joined by +";
     case Kind::keyCode: return "a key code";
-    case Kind::text: return "a text";
+    case Kind::text: return entry.setting == Setting::desktopNickname ? "a text that is not blank" : "a text";
     case Kind::assignment: return "a number from 1, or an identifier";
     case Kind::integer: break;
   }

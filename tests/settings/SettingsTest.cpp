@@ -292,6 +292,8 @@ TEST(SettingsTableTest, ReadsWhatPeopleTypeAndWritesItBack) {
       {"tessaspaces.app.x", "0", {}, ""},
       {"tessaspaces.app.x", "3F2A", ConfigValue("3F2A"), "3F2A"},
       {"tessaspaces.desktopNickname.x", "true", ConfigValue("true"), "true"},
+      {"tessaspaces.desktopNickname.x", " Mail\t", ConfigValue("Mail"), "Mail"},
+      {"tessaspaces.desktopNickname.x", " \u00a0 ", {}, ""},
       {"tessaspaces.diagnosticsSentOffset", "99999999999999999999", {}, ""},
   };
   for (const auto& each : cases) {

@@ -312,6 +312,13 @@ void setDiagnosticsVersionHistory(std::string_view history) {
   ConfigStore::set(key(Setting::diagnosticsVersionHistory), history);
 }
 
+std::string acceptedClashes() {
+  return ConfigStore::string(key(Setting::acceptedClashes)).value_or("");
+}
+void setAcceptedClashes(std::string_view clashes) {
+  ConfigStore::set(key(Setting::acceptedClashes), clashes);
+}
+
 bool launchAtLogin() {
   return hasPlatform() && platform().loginItem().isRegistered();
 }

@@ -112,6 +112,10 @@ void setDiagnosticsInstallID(std::string_view identifier);
 [[nodiscard]] std::string diagnosticsVersionHistory();
 void setDiagnosticsVersionHistory(std::string_view history);
 
+/// The hot keys that could not be had when the user last left them so; see HotKeyClashes.
+[[nodiscard]] std::string acceptedClashes();
+void setAcceptedClashes(std::string_view clashes);
+
 /// Whether the system starts this program at login; kept by the system, not in the file. False without a
 /// platform.
 [[nodiscard]] bool launchAtLogin();

@@ -185,13 +185,15 @@ constexpr std::array table{
          "What tells this installation's reports from others; generated at first use"),
     text(Setting::diagnosticsVersionHistory, "tessaspaces.diagnosticsVersionHistory", std::string_view(),
          "The versions that have run here"),
+    text(Setting::acceptedClashes, "tessaspaces.launch.acceptedClashes", std::string_view(),
+         "Hot keys that another program has and that the user has left so"),
 };
 
 constexpr bool isInOrder() {
   for (std::size_t at = 0; at < table.size(); ++at) {
     if (table[at].setting != static_cast<Setting>(at)) return false;
   }
-  return table.back().setting == Setting::diagnosticsVersionHistory;
+  return table.back().setting == Setting::acceptedClashes;
 }
 static_assert(isInOrder(), "the table lists every setting once, in the order of the enumeration");
 

@@ -60,6 +60,7 @@ enum class Setting {
   diagnosticsSentOffset,
   diagnosticsInstallID,
   diagnosticsVersionHistory,
+  acceptedClashes,
 };
 
 /// Whether the import from the system's preferences takes the setting over.

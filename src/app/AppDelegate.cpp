@@ -71,7 +71,10 @@ void AppDelegate::becomeReady() {
   startHotCorner();
   registerHotKeys();
   platform().dispatch().async([guard = QPointer(this)] {
-    if (guard) guard->statusItem_->start();
+    if (!guard) return;
+    guard->statusItem_->start();
+    // Only now: the emission that made the program ready must not register the keys once more.
+    guard->observeWindowManager();
   });
 }
 
@@ -93,6 +96,9 @@ void AppDelegate::observeNotifications() {
   observe(Notifications::hotkeysChanged, whenReady(&AppDelegate::registerHotKeys));
   observe(Notifications::languageChanged, whenReady(&AppDelegate::buildMenuBar));
   observe(Notifications::menuBarVisibilityChanged, whenReady(&AppDelegate::applyMenuBarVisibility));
+}
+
+void AppDelegate::observeWindowManager() {
   // Another window manager may leave free what the last one had.
   observers_.push_back(platform().windowServer().windowManagerChanged.connect([this] {
     const bool wanting = !HotKeyCenter::shared().failures().empty();
@@ -210,6 +216,7 @@ bool AppDelegate::applicationShouldHandleReopen() {
     Log::info("MENU BAR: icon restored by relaunching the app");
   }
   openSettings();
+  LaunchWindowController::shared().showAgain();
   return true;
 }
 

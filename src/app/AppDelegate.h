@@ -28,7 +28,8 @@ class AppDelegate final : public QObject {
 
   /// The start: to be called once, before the event loop is turned.
   void applicationDidFinishLaunching();
-  /// The user has launched the program again while it runs: brings a hidden icon back.
+  /// The user has launched the program again while it runs: brings a hidden icon back, and the readiness
+  /// screen if it has something to tell.
   bool applicationShouldHandleReopen();
 
   void buildMenuBar();
@@ -53,6 +54,7 @@ class AppDelegate final : public QObject {
  private:
   void becomeReady();
   void observeNotifications();
+  void observeWindowManager();
   void cornerTick();
   [[nodiscard]] std::function<void()> target(MenuCommand command);
 

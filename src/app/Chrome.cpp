@@ -4,6 +4,8 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -15,6 +17,11 @@ namespace tessaspaces {
 namespace {
 
 constexpr int markSide = 20;
+constexpr int sideMargin = 28;
+/// What window managers put around a window, generously.
+constexpr int frameHeight = 48;
+/// So much of what scrolls is seen, however large the texts are.
+constexpr int leastScrolled = 120;
 
 bool isDark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightnessF() < 0.5F;
@@ -64,13 +71,7 @@ QString stateName(State state) {
 
 StateMark::StateMark(State state, QWidget* parent) : QWidget(parent), state_(state) {
   setFixedSize(markSide, markSide);
-  setState(state);
-}
-
-void StateMark::setState(State state) {
-  state_ = state;
   setAccessibleName(stateName(state));
-  update();
 }
 
 void StateMark::paintEvent(QPaintEvent*) {
@@ -180,13 +181,12 @@ void Panel::rebuild() {
   }
   content_ = new QWidget;
   auto* column = new QVBoxLayout(content_);
-  column->setContentsMargins(28, 26, 28, 22);
+  column->setContentsMargins(sideMargin, 26, sideMargin, 22);
   column->setSpacing(16);
   default_ = nullptr;
+  scrolled_ = nullptr;
   populate(*column);
-  // Texts of several lines do not tell a layout how high they get.
-  const int width = qMax(width_, column->totalMinimumSize().width());
-  content_->setMinimumSize(width, column->totalHeightForWidth(width));
+  fit(*column);
   layout()->addWidget(content_);
   adjustSize();
   // Only now is it the dialog's.
@@ -194,6 +194,34 @@ void Panel::rebuild() {
   QWidget* again = focused.isEmpty() ? nullptr : content_->findChild<QWidget*>(focused);
   if (again == nullptr || !again->isEnabled()) again = default_;
   if (again != nullptr) again->setFocus();
+}
+
+void Panel::fit(QVBoxLayout& column) {
+  const QLayout* inner = scrolled_ != nullptr ? scrolled_->widget()->layout() : nullptr;
+  if (inner != nullptr) scrolled_->setMinimumWidth(inner->totalMinimumSize().width());
+  // Texts of several lines do not tell a layout how high they get.
+  const int width = qMax(width_, column.totalMinimumSize().width());
+  if (inner != nullptr) {
+    const int whole = inner->totalHeightForWidth(width - 2 * sideMargin);
+    scrolled_->setMinimumHeight(whole);
+    const int excess = column.totalHeightForWidth(width) - (screen()->availableGeometry().height() - frameHeight);
+    if (excess > 0) scrolled_->setMinimumHeight(qMax(leastScrolled, whole - excess));
+  }
+  content_->setMinimumSize(width, column.totalHeightForWidth(width));
+}
+
+QVBoxLayout& Panel::addScrolled(QVBoxLayout& layout) {
+  scrolled_ = new QScrollArea;
+  scrolled_->setFrameShape(QFrame::NoFrame);
+  scrolled_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scrolled_->setWidgetResizable(true);
+  auto* inner = new QWidget;
+  auto* column = new QVBoxLayout(inner);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(layout.spacing());
+  scrolled_->setWidget(inner);
+  layout.addWidget(scrolled_);
+  return *column;
 }
 
 void Panel::present() {

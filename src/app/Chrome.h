@@ -12,6 +12,7 @@
 
 class QHBoxLayout;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace tessaspaces {
@@ -27,7 +28,6 @@ namespace tessaspaces {
 class StateMark final : public QWidget {
  public:
   explicit StateMark(State state, QWidget* parent = nullptr);
-  void setState(State state);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -95,13 +95,19 @@ class Panel : public QDialog {
   void rebuild();
   /// The button that Enter presses wherever the keyboard is; it has the keyboard at first.
   void setDefaultButton(QPushButton* button) { default_ = button; }
+  /// A part that scrolls where the screen is too low for the whole window; at most one.
+  QVBoxLayout& addScrolled(QVBoxLayout& layout);
   /// A button at the end of the row.
   QPushButton* addButton(QHBoxLayout& row, const QString& text, std::function<void()> clicked);
 
  private:
+  /// Makes the contents as large as they have to be, and no higher than the screen where they can scroll.
+  void fit(QVBoxLayout& column);
+
   std::string titleKey_;
   int width_;
   QWidget* content_ = nullptr;
+  QScrollArea* scrolled_ = nullptr;
   QPushButton* default_ = nullptr;
   ScopedConnection language_;
 };

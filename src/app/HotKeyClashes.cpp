@@ -29,11 +29,29 @@ constexpr std::array candidates{
 /// Not one of HotKeyCenter's, so that a press in between runs nothing.
 constexpr HotKeyID probe{0x50524F42, 1};  // "PROB"
 
+/// See HotKeyRegistration::status.
+constexpr std::int32_t noSuchKey = 2;
+
+void add(Refused& refused, const HotKeyFailure& failure) {
+  (failure.status == noSuchKey ? refused.absent : refused.taken).push_back(failure.combo);
+}
+
+/// All refused keys as one text.
+std::string summary() {
+  std::vector<std::string> keys;
+  for (const HotKeyFailure& failure : HotKeyCenter::shared().failures()) keys.push_back(failure.combo.display());
+  std::sort(keys.begin(), keys.end());
+  std::string all;
+  for (const std::string& key : keys) all += (all.empty() ? "" : " ") + key;
+  return all;
+}
+
+/// Or on no keyboard of the user's, where no modifiers help.
 bool isFree(KeyCombo combo) {
   auto& registrar = platform().hotKeys();
   const auto registration = registrar.registerHotKey(combo, probe);
   if (registration.handle) registrar.unregisterHotKey(*registration.handle);
-  return registration.status == HotKeyRegistrar::noError;
+  return registration.status == HotKeyRegistrar::noError || registration.status == noSuchKey;
 }
 
 bool usesDigits(HotkeyGroup group) {
@@ -47,23 +65,37 @@ std::vector<GroupReport> reports() {
   for (const HotkeyGroup group : allCases<HotkeyGroup>()) {
     GroupReport report{group, Settings::modifiers(group), {}};
     for (const HotKeyFailure& failure : HotKeyCenter::shared().failures()) {
-      if (HotKeySet::groupOf(failure.label) == group) report.taken.push_back(failure.combo);
+      if (HotKeySet::groupOf(failure.label) == group) add(report.refused, failure);
     }
     all.push_back(std::move(report));
   }
   return all;
 }
 
-std::vector<KeyCombo> otherTaken() {
-  std::vector<KeyCombo> combos;
+Refused others() {
+  Refused refused;
   for (const HotKeyFailure& failure : HotKeyCenter::shared().failures()) {
-    if (!HotKeySet::groupOf(failure.label)) combos.push_back(failure.combo);
+    if (!HotKeySet::groupOf(failure.label)) add(refused, failure);
   }
-  return combos;
+  return refused;
 }
 
 bool any() {
   return !HotKeyCenter::shared().failures().empty();
+}
+
+bool anyTaken() {
+  const auto& failures = HotKeyCenter::shared().failures();
+  return std::any_of(failures.begin(), failures.end(),
+                     [](const HotKeyFailure& failure) { return failure.status != noSuchKey; });
+}
+
+bool anyNew() {
+  return any() && summary() != Settings::acceptedClashes();
+}
+
+void accept() {
+  if (summary() != Settings::acceptedClashes()) Settings::setAcceptedClashes(summary());
 }
 
 std::optional<HotkeyGroup> rival(HotkeyGroup group, std::uint32_t modifiers) {

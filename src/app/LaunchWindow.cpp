@@ -48,14 +48,24 @@ std::string takenSentence(const std::vector<KeyCombo>& taken) {
   return L10n::t(one ? "launch.keys.takenOne" : "launch.keys.taken", listOf(taken));
 }
 
-State stateOf(const HotKeyClashes::GroupReport& report) {
-  if (report.modifiers == 0) return State::off;
-  return report.taken.empty() ? State::ok : State::failed;
+State stateOf(const HotKeyClashes::Refused& refused) {
+  if (!refused.taken.empty()) return State::failed;
+  return refused.absent.empty() ? State::ok : State::warning;
+}
+
+/// What has become of the refused keys.
+QString describe(const HotKeyClashes::Refused& refused) {
+  std::string sentences;
+  if (!refused.taken.empty()) sentences = takenSentence(refused.taken);
+  if (!refused.absent.empty()) {
+    sentences += (sentences.empty() ? "" : "\n") + L10n::t("launch.keys.absent", listOf(refused.absent));
+  }
+  return text(sentences);
 }
 
 QString describe(const HotKeyClashes::GroupReport& report) {
   if (report.modifiers == 0) return localized("launch.keys.off");
-  if (!report.taken.empty()) return text(takenSentence(report.taken));
+  if (!report.refused.none()) return describe(report.refused);
   return text(KeyCombo::modifierSymbols(report.modifiers) + " " + L10n::t(suffixKey(report.group)));
 }
 
@@ -69,25 +79,30 @@ void LaunchWindow::refresh() {
   rebuild();
 }
 
+bool LaunchWindow::isForeign() const {
+  return controller_.verdict() == Readiness::Verdict::foreignSession;
+}
+
 void LaunchWindow::populate(QVBoxLayout& layout) {
   addIntroduction(layout);
   // What there is to do comes first.
-  if (controller_.isReady()) addHotKeys(layout);
-  addChecks(layout);
-  layout.addStretch();
+  QVBoxLayout& cards = addScrolled(layout);
+  if (controller_.isReady()) addHotKeys(cards);
+  addChecks(cards);
   addButtons(layout);
 }
 
 void LaunchWindow::addIntroduction(QVBoxLayout& layout) {
-  std::string_view heading = "launch.heading.ready";
-  std::string_view body = "launch.body.ready";
-  if (!controller_.isReady()) {
-    const bool foreign = Readiness::verdict(controller_.findings()) == Readiness::Verdict::foreignSession;
-    heading = foreign ? "launch.heading.foreign" : "launch.heading.waiting";
-    body = foreign ? "launch.body.foreign" : "launch.body.waiting";
-  } else if (HotKeyClashes::any()) {
-    heading = "launch.heading.taken";
-    body = "launch.body.taken";
+  // Going on all the same changes nothing about a session that keeps the keys.
+  std::string_view which = "ready";
+  if (isForeign()) {
+    which = "foreign";
+  } else if (!controller_.isReady()) {
+    which = "waiting";
+  } else if (HotKeyClashes::anyTaken()) {
+    which = "taken";
+  } else if (HotKeyClashes::any() || Readiness::configurationRow().state != State::ok) {
+    which = "partly";
   }
   auto* row = new QHBoxLayout;
   row->setSpacing(18);
@@ -95,8 +110,8 @@ void LaunchWindow::addIntroduction(QVBoxLayout& layout) {
   auto* column = new QVBoxLayout;
   column->setSpacing(6);
   column->addStretch();
-  column->addWidget(makeHeading(localized(heading), 6));
-  column->addWidget(new QuietLabel(localized(body)));
+  column->addWidget(makeHeading(localized("launch.heading." + std::string(which)), 6));
+  column->addWidget(new QuietLabel(localized("launch.body." + std::string(which))));
   column->addStretch();
   row->addLayout(column, 1);
   layout.addLayout(row);
@@ -119,17 +134,18 @@ void LaunchWindow::addHotKeys(QVBoxLayout& layout) {
   column->setContentsMargins(18, 16, 18, 16);
   column->setSpacing(14);
   for (const auto& report : HotKeyClashes::reports()) addGroup(*column, report);
-  if (const auto others = HotKeyClashes::otherTaken(); !others.empty()) {
-    column->addLayout(makeRow(State::failed, localized("launch.keys.other"), text(takenSentence(others))));
+  if (const auto others = HotKeyClashes::others(); !others.none()) {
+    column->addLayout(makeRow(stateOf(others), localized("launch.keys.other"), describe(others)));
   }
   layout.addWidget(card);
 }
 
 void LaunchWindow::addGroup(QVBoxLayout& layout, const HotKeyClashes::GroupReport& report) {
   const HotkeyGroup group = report.group;
-  if (!report.taken.empty()) touched_[group] = true;
+  if (!report.refused.taken.empty()) touched_[group] = true;
   const QString title = text(label(group));
-  QHBoxLayout* row = makeRow(stateOf(report), title, describe(report));
+  const State state = report.modifiers == 0 ? State::off : stateOf(report.refused);
+  QHBoxLayout* row = makeRow(state, title, describe(report));
   layout.addLayout(row);
   if (!touched_[group]) return;
 
@@ -207,16 +223,15 @@ void LaunchWindow::addButtons(QVBoxLayout& layout) {
     addButton(*row, localized("launch.quit"), [] { QCoreApplication::exit(EXIT_SUCCESS); });
   }
   row->addStretch();
-  const bool foreign =
-      !controller_.isReady() && Readiness::verdict(controller_.findings()) == Readiness::Verdict::foreignSession;
-  if (foreign) {
-    addButton(*row, localized("launch.continue"), [this] {
-      close();
+  if (controller_.isReady()) {
+    setDefaultButton(addButton(*row, localized("launch.done"), [this] { accept(); }));
+  } else if (isForeign()) {
+    setDefaultButton(addButton(*row, localized("launch.continue"), [this] {
+      accept();
       controller_.continueAnyway();
-    });
+    }));
   } else {
-    setDefaultButton(
-        addButton(*row, localized(controller_.isReady() ? "launch.done" : "launch.hide"), [this] { close(); }));
+    setDefaultButton(addButton(*row, localized("launch.hide"), [this] { close(); }));
   }
   layout.addLayout(row);
 }

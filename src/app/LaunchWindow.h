@@ -21,6 +21,7 @@ class LaunchWindow final : public Panel {
   void refresh();
 
  private:
+  [[nodiscard]] bool isForeign() const;
   void populate(QVBoxLayout& layout) override;
   void addIntroduction(QVBoxLayout& layout);
   void addChecks(QVBoxLayout& layout);

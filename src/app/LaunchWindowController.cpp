@@ -1,10 +1,10 @@
 #include "app/LaunchWindowController.h"
 
 #include <QCoreApplication>
+#include <cstdlib>
 
 #include "app/HotKeyClashes.h"
 #include "app/LaunchWindow.h"
-#include "app/Readiness.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
 #include "settings/Notifications.h"
@@ -24,8 +24,7 @@ void LaunchWindowController::show() {
   });
   check();
   if (ready_) return;
-  const auto verdict = Readiness::verdict(findings_);
-  if (verdict == Readiness::Verdict::foreignSession) {
+  if (verdict() == Readiness::Verdict::foreignSession) {
     Log::warning("LAUNCH: this is no session of its own X server; global keys cannot work here");
     present();
     return;
@@ -51,6 +50,11 @@ void LaunchWindowController::continueAnyway() {
   becomeReady();
 }
 
+void LaunchWindowController::showAgain() {
+  if (!ready_) check();
+  if (!ready_ || HotKeyClashes::any()) present();
+}
+
 void LaunchWindowController::refresh() {
   if (!window_) return;
   findings_ = platform().examineSession();
@@ -69,9 +73,9 @@ void LaunchWindowController::lookAtHotKeys() {
   // From now on a change of the settings can run into other programs' keys too. The delegate has registered
   // the new set by then, since it has observed for longer.
   hotkeys_ = Notifications::observe(Notifications::hotkeysChanged, [this] {
-    if (!window_ && HotKeyClashes::any()) present();
+    if (!window_ && HotKeyClashes::anyNew()) present();
   });
-  const bool worthShowing = HotKeyClashes::any() || Readiness::configurationRow().state != State::ok;
+  const bool worthShowing = HotKeyClashes::anyNew() || Readiness::configurationRow().state != State::ok;
   if (worthShowing) {
     present();
   } else if (window_) {
@@ -80,9 +84,22 @@ void LaunchWindowController::lookAtHotKeys() {
 }
 
 void LaunchWindowController::present() {
-  if (!window_) window_ = new LaunchWindow(*this);
+  if (!window_) {
+    window_ = new LaunchWindow(*this);
+    QObject::connect(window_, &QDialog::finished, [this](int result) { windowClosed(result); });
+  }
   window_->refresh();
   window_->present();
+}
+
+void LaunchWindowController::windowClosed(int result) {
+  if (ready_) {
+    if (result == QDialog::Accepted) HotKeyClashes::accept();
+  } else if (result == QDialog::Rejected && verdict() == Readiness::Verdict::foreignSession) {
+    // No window manager is waited for here: without the window nothing would be left of the program to see.
+    Log::info("LAUNCH: the user does not go on in this session");
+    QCoreApplication::exit(EXIT_SUCCESS);
+  }
 }
 
 }  // namespace tessaspaces

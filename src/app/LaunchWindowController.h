@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/LaunchWindow.h"
+#include "app/Readiness.h"
 #include "base/Signal.h"
 #include "platform/Session.h"
 
@@ -32,9 +33,13 @@ class LaunchWindowController {
   /// The session or the hot keys have changed: an open window shows what is so now.
   void refresh();
 
+  /// The user has come back to the program: shows the window if there is something to tell, known or not.
+  void showAgain();
+
   [[nodiscard]] bool isReady() const { return ready_; }
   /// What the last check found.
   [[nodiscard]] const std::vector<SessionFinding>& findings() const { return findings_; }
+  [[nodiscard]] Readiness::Verdict verdict() const { return Readiness::verdict(findings_); }
   [[nodiscard]] LaunchWindow* window() const { return window_; }
 
  private:
@@ -42,6 +47,7 @@ class LaunchWindowController {
   void becomeReady();
   void lookAtHotKeys();
   void present();
+  void windowClosed(int result);
 
   bool ready_ = false;
   std::vector<SessionFinding> findings_;

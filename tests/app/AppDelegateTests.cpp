@@ -103,6 +103,14 @@ class AppDelegateTest : public CoreTest {
     ADD_FAILURE() << "no menu item " << titleKey;
   }
   LaunchWindow* launchWindow() { return LaunchWindowController::shared().window(); }
+  /// What stands in the largest letters.
+  QString heading() {
+    const QLabel* largest = nullptr;
+    for (const QLabel* label : launchWindow()->findChildren<QLabel*>()) {
+      if (largest == nullptr || label->font().pointSizeF() > largest->font().pointSizeF()) largest = label;
+    }
+    return largest != nullptr ? largest->text() : QString();
+  }
   void click(const QString& button) {
     auto* found = launchWindow()->findChild<QAbstractButton*>(button);
     ASSERT_NE(found, nullptr) << button.toStdString();
@@ -253,6 +261,25 @@ TEST_F(AppDelegateTest, WaitsForAWindowManager) {
   EXPECT_TRUE(waitFor([&] { return launchWindow() == nullptr; })) << "it has nothing more to say";
 }
 
+TEST_F(AppDelegateTest, AHiddenWaitCanBeSeenAgain) {
+  sim->setFinding({SessionFact::windowManager, false, ""});
+  sim->takeKey({KeyCombo::arrowKeyCodes[1], controlOption});
+  launch();
+  ASSERT_NE(launchWindow(), nullptr);
+  launchWindow()->close();
+  EXPECT_TRUE(waitFor([&] { return launchWindow() == nullptr; }));
+  delegate->applicationShouldHandleReopen();
+  EXPECT_NE(launchWindow(), nullptr) << "there is no icon yet";
+
+  takeLog();
+  sim->setFinding({SessionFact::windowManager, true, "Sample"});
+  world().setWindowManager("Sample");
+  sim->time().runUntilIdle();
+  int errors = 0;
+  for (const auto& line : takeLog()) errors += line.starts_with("[ERROR]") ? 1 : 0;
+  EXPECT_EQ(errors, 1) << "the keys are registered once";
+}
+
 TEST_F(AppDelegateTest, DoesNotPretendInAForeignSession) {
   sim->setFinding({SessionFact::nativeSession, false, "wayland-0"});
   launch();
@@ -263,6 +290,67 @@ TEST_F(AppDelegateTest, DoesNotPretendInAForeignSession) {
   LaunchWindowController::shared().continueAnyway();
   EXPECT_NE(delegate->statusItem(), nullptr);
   EXPECT_EQ(HotKeyCenter::shared().registeredCount(), 14);
+}
+
+TEST_F(AppDelegateTest, ClosingTheWindowOfAForeignSessionQuits) {
+  sim->setFinding({SessionFact::nativeSession, false, "wayland-0"});
+  launch();
+  ASSERT_NE(launchWindow(), nullptr);
+  QTimer::singleShot(0, launchWindow(), [this] { launchWindow()->reject(); });
+  QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(EXIT_FAILURE); });
+  EXPECT_EQ(QCoreApplication::exec(), EXIT_SUCCESS) << "nothing would be left of the program to see";
+}
+
+TEST_F(AppDelegateTest, TheHeadingSaysWhatIsSo) {
+  const KeyCombo nine{KeyCombo::digitKeyCodes[8], controlOption};
+  struct Case {
+    const char* name;
+    std::function<void()> arrange;
+    std::string_view heading;
+  };
+  const Case cases[] = {
+      {"gone on in a foreign session",
+       [&] {
+         sim->setFinding({SessionFact::nativeSession, false, "wayland-0"});
+       },
+       "launch.heading.foreign"},
+      {"only the configuration", [&] { std::ofstream(folder / "config.json") << "{"; }, "launch.heading.partly"},
+      {"no such key", [&] { sim->takeKey(nine, 2); }, "launch.heading.partly"},
+      {"a taken key", [&] { sim->takeKey(nine); }, "launch.heading.taken"},
+  };
+  for (const Case& each : cases) {
+    start("left 1000x800 | A* B C D");
+    ConfigStore::useDirectory(folder);
+    each.arrange();
+    launch();
+    LaunchWindowController::shared().continueAnyway();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    delegate->applicationShouldHandleReopen();
+    if (launchWindow() == nullptr) LaunchWindowController::shared().refresh();
+    EXPECT_EQ(heading(), localized(each.heading)) << each.name;
+    delegate.reset();
+    delete launchWindow();
+    std::filesystem::remove(folder / "config.json");
+  }
+}
+
+TEST_F(AppDelegateTest, ClashesThatTheUserLeavesAreNoNewsAgain) {
+  const auto nextRun = [this] {
+    delegate.reset();
+    delete launchWindow();
+    launch();
+    return launchWindow() != nullptr;
+  };
+  sim->takeKey({KeyCombo::arrowKeyCodes[0], controlOption});
+  EXPECT_TRUE(nextRun());
+  launchWindow()->reject();
+  EXPECT_TRUE(nextRun()) << "closed, but not as done";
+  launchWindow()->accept();
+  EXPECT_FALSE(nextRun());
+  delegate->applicationShouldHandleReopen();
+  EXPECT_NE(launchWindow(), nullptr) << "whoever comes back is told";
+  sim->takeKey({KeyCombo::arrowKeyCodes[1], controlOption});
+  EXPECT_TRUE(nextRun()) << "another key is news";
 }
 
 TEST_F(AppDelegateTest, TakenKeysCanBeExchangedOnTheSpot) {

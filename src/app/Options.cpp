@@ -14,6 +14,7 @@ std::optional<Options::PlatformChoice> platformNamed(std::string_view name) {
 
 std::optional<Options> parseOptions(std::span<const char* const> arguments, std::string& error) {
   constexpr std::string_view platformOption = "--platform";
+  constexpr std::string_view platformPrefix = "--platform=";
   Options options;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view argument = arguments[i];
@@ -21,12 +22,12 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
       options.task = Options::Task::showVersion;
     } else if (argument == "--help" || argument == "-h") {
       options.task = Options::Task::showHelp;
-    } else if (argument.substr(0, platformOption.size()) == platformOption) {
-      std::string_view name = argument.substr(platformOption.size());
-      if (name.empty()) {
-        name = i + 1 < arguments.size() ? arguments[++i] : "";
-      } else if (name.front() == '=') {
-        name.remove_prefix(1);
+    } else if (argument == platformOption || argument.substr(0, platformPrefix.size()) == platformPrefix) {
+      std::string_view name;
+      if (argument != platformOption) {
+        name = argument.substr(platformPrefix.size());
+      } else if (i + 1 < arguments.size()) {
+        name = arguments[++i];
       }
       const auto choice = platformNamed(name);
       if (!choice) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <utility>
 
 namespace tessaspaces {
@@ -37,11 +36,16 @@ TerminationSignals::TerminationSignals(std::function<void()> asked) {
   struct sigaction action {};
   action.sa_handler = handle;
   action.sa_flags = SA_RESTART;
-  for (const int signal : signals) sigaction(signal, &action, nullptr);
+  for (const int signal : signals) {
+    struct sigaction before {};
+    if (sigaction(signal, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) continue;
+    sigaction(signal, &action, nullptr);
+    before_.emplace_back(signal, before);
+  }
 }
 
 TerminationSignals::~TerminationSignals() {
-  for (const int signal : signals) std::signal(signal, SIG_DFL);
+  for (const auto& [signal, action] : before_) sigaction(signal, &action, nullptr);
 }
 
 }  // namespace tessaspaces

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <QSocketNotifier>
+#include <csignal>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace tessaspaces {
 
-/// Turns SIGTERM, SIGINT and SIGHUP into a call on the main thread while it lives. One at a time.
+/// Turns SIGTERM, SIGINT and SIGHUP into a call on the main thread while it lives, but for one that is
+/// ignored already (nohup). One at a time.
 class TerminationSignals {
  public:
   explicit TerminationSignals(std::function<void()> asked);
@@ -16,6 +20,8 @@ class TerminationSignals {
 
  private:
   std::unique_ptr<QSocketNotifier> notifier_;
+  /// The signals taken over, with what they did before.
+  std::vector<std::pair<int, struct sigaction>> before_;
 };
 
 }  // namespace tessaspaces

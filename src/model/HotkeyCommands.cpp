@@ -1,5 +1,6 @@
 #include "model/HotkeyCommands.h"
 
+#include <atomic>
 #include <utility>
 
 #include "model/DisplayScreens.h"
@@ -26,6 +27,11 @@ std::optional<HotkeyDisplay> desktopsForHotkey() {
   }
   return display;
 }
+
+/// A move watches its window for a good while: a key held down must not take every background thread for moves
+/// and keep switches waiting.
+constexpr int maxMovesUnderWay = 2;
+std::atomic<int> movesUnderWay = 0;
 
 int count(const HotkeyDisplay& display) {
   return static_cast<int>(display.snap.desktops.size());
@@ -140,8 +146,14 @@ bool switchToDesktop(int number, SwitchCompletion completion) {
 bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion completion) {
   auto plan = planMoveFocusedWindow(direction);
   if (plan.desktop.outcome != CommandOutcome::ready) return false;
+  if (movesUnderWay.fetch_add(1) >= maxMovesUnderWay) {
+    --movesUnderWay;
+    Log::warning("HOTKEY: move window — earlier moves are still under way, doing nothing");
+    return false;
+  }
   platform().dispatch().background([plan = std::move(plan), completion = std::move(completion)] {
     const bool moved = carryOut(plan);
+    --movesUnderWay;
     if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
   });
   return true;

@@ -1,13 +1,13 @@
 #include "model/Switching.h"
 
-#include <cstdint>
 #include <memory>
 #include <mutex>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "bridges/SkyLightBridge.h"
 #include "model/Snapshot.h"
+#include "model/SwitchRequests.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
 
@@ -39,43 +39,10 @@ void setLastSwitchMethod(std::string method) {
   lastMethod().name = std::move(method);
 }
 
-struct LatestRequests {
-  /// Guards both.
-  std::mutex lock;
-  std::uint64_t last = 0;
-  std::unordered_map<std::string, std::uint64_t> ofDisplay;
-};
-
-LatestRequests& latestRequests() {
-  static LatestRequests instance;
-  return instance;
-}
-
-/// One wish to switch a display. The next wish for the same display overtakes it: from then on it must not touch the
-/// display any more, or a quick second key press would be undone by the fall-backs of the first.
-class Request {
- public:
-  explicit Request(std::string display) : display_(std::move(display)) {
-    LatestRequests& latest = latestRequests();
-    const std::scoped_lock held(latest.lock);
-    number_ = ++latest.last;
-    latest.ofDisplay[display_] = number_;
-  }
-  [[nodiscard]] bool overtaken() const {
-    LatestRequests& latest = latestRequests();
-    const std::scoped_lock held(latest.lock);
-    return latest.ofDisplay[display_] != number_;
-  }
-
- private:
-  std::string display_;
-  std::uint64_t number_ = 0;
-};
-
-bool verifySwitch(const DesktopInfo& target, const std::string& method, const Request& request) {
+bool verifySwitch(const DesktopInfo& target, const std::string& method, const SwitchRequest& request) {
   SpaceID active = 0;
   bool arrived = false;
-  for (int attempt = 0; attempt < verifyPolls && !arrived && !request.overtaken(); ++attempt) {
+  for (int attempt = 0; attempt < verifyPolls && !arrived && !request.overtakenBy(); ++attempt) {
     platform().dispatch().sleep(verifyInterval);
     active = currentSpaceID(target.displayUUID);
     arrived = active == target.spaceID;
@@ -86,17 +53,27 @@ bool verifySwitch(const DesktopInfo& target, const std::string& method, const Re
   return arrived;
 }
 
-bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading, const Request& request) {
-  auto hiding = allSpaceIDs(target.displayUUID);
-  std::erase(hiding, target.spaceID);
+std::vector<SpaceID> allSpacesBut(SpaceID shown, const std::string& displayUUID) {
+  auto hiding = allSpaceIDs(displayUUID);
+  std::erase(hiding, shown);
+  return hiding;
+}
+
+bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading, const SwitchRequest& request) {
+  const auto hiding = allSpacesBut(target.spaceID, target.displayUUID);
   reading.reset();  // from here on the answers must be new ones
   if (!SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding)) {
     Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
     return false;
   }
+  if (const auto later = request.overtakenBy()) {
+    // This thread may have come to it behind the later switch's: the latest wish has the last word.
+    SLS::bridgedSwitchSpace(later->display, later->target, allSpacesBut(later->target, later->display));
+    return false;
+  }
   for (int attempt = 0; attempt < bridgedPolls; ++attempt) {
     if (currentSpaceID(target.displayUUID) == target.spaceID) return true;
-    if (request.overtaken()) return false;
+    if (request.overtakenBy()) return false;
     platform().dispatch().sleep(bridgedPollInterval);
   }
   Log::warning("SWITCH: bridged switch to {} did not arrive, falling back to gesture", target.spaceID);
@@ -104,7 +81,7 @@ bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading
 }
 
 /// Activating an application makes the system show a desktop with a window of it.
-bool switchByActivation(const DesktopInfo& target, const Request& request) {
+bool switchByActivation(const DesktopInfo& target, const SwitchRequest& request) {
   if (target.windows.empty()) return false;
   const auto application = platform().applications().running(target.windows.front().pid);
   if (!application) return false;
@@ -130,13 +107,13 @@ bool giveWay(const DesktopInfo& target) {
   return false;
 }
 
-bool performSwitchTo(const DesktopInfo& target, const Request& request) {
-  if (request.overtaken()) return giveWay(target);
+bool performSwitchTo(const DesktopInfo& target, const SwitchRequest& request) {
+  if (request.overtakenBy()) return giveWay(target);
   // What is asked before the first method answers from one batch of requests.
   auto reading = platform().windowServer().beginRead();
   const SpaceID active = currentSpaceID(target.displayUUID);
   Log::debug("SWITCH: start active={} target={} windowsOnTarget={}", active, target.spaceID, target.windows.size());
-  if (active == target.spaceID) {
+  if (active == target.spaceID && !request.followsUnfinished()) {
     Log::debug("SWITCH: target already active, doing nothing");
     setLastSwitchMethod("no-op (already active)");
     return true;
@@ -147,12 +124,12 @@ bool performSwitchTo(const DesktopInfo& target, const Request& request) {
     return true;
   }
   reading.reset();
-  if (request.overtaken()) return giveWay(target);
+  if (request.overtakenBy()) return giveWay(target);
   if (switchByActivation(target, request)) return true;
-  return request.overtaken() ? giveWay(target) : switchDegraded(target);
+  return request.overtakenBy() ? giveWay(target) : switchDegraded(target);
 }
 
-bool switchTo(const DesktopRef& desktop, const Request& request) {
+bool switchTo(const DesktopRef& desktop, const SwitchRequest& request) {
   if (!performSwitchTo(*desktop, request)) return false;
   rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
   return true;
@@ -161,8 +138,9 @@ bool switchTo(const DesktopRef& desktop, const Request& request) {
 void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completion) {
   // The order in which switches are asked for counts, not the one in which threads come to them.
   platform().dispatch().background(
-      [desktop, request = Request(desktop->displayUUID), completion = std::move(completion)] {
-        const bool arrived = switchTo(desktop, request);
+      [desktop, request = std::make_shared<const SwitchRequest>(desktop->displayUUID, desktop->spaceID),
+       completion = std::move(completion)] {
+        const bool arrived = switchTo(desktop, *request);
         if (completion) platform().dispatch().async([completion, arrived] { completion(arrived); });
       });
 }
@@ -170,7 +148,7 @@ void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completio
 }  // namespace
 
 bool switchTo(const DesktopRef& desktop) {
-  return switchTo(desktop, Request(desktop->displayUUID));
+  return switchTo(desktop, SwitchRequest(desktop->displayUUID, desktop->spaceID));
 }
 
 void switchAnimated(const DesktopRef& desktop, std::optional<GridDirection> /*direction*/,

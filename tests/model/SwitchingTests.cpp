@@ -145,6 +145,42 @@ TEST_F(Switching, RunsOffTheMainThreadAndReportsOnIt) {
   EXPECT_EQ(world().currentSpace("left"), 2u);
 }
 
+TEST_F(Switching, ALaterSwitchOvertakesAnEarlierOne) {
+  start("left 960x1080 | A* B [Editor] C ; right 960x1080 | X* Y");
+  const auto desktops = Spaces::enumerate().desktops;
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedSetCurrentSpace] = 300ms; });
+  std::vector<std::string> ends;
+  const auto go = [&](std::size_t index) {
+    Spaces::switchWithoutOverlay(desktops[index], [&ends, &desktops, index](bool arrived) {
+      ends.push_back(desktops[index]->name + (arrived ? " arrived" : " overtaken"));
+    });
+  };
+  (void)takeLog();
+  go(1);
+  sim->time().outside(50ms, [&] {  // the first is under way
+    go(2);
+    go(4);  // the other display's business
+  });
+  sim->time().runUntilIdle();
+  EXPECT_THAT(ends, testing::UnorderedElementsAre("B overtaken", "C arrived", "Y arrived"));
+  EXPECT_EQ(world().currentSpace("left"), 3u);
+  EXPECT_EQ(world().currentSpace("right"), 5u);
+  EXPECT_FALSE(world().asked(Operation::activate)) << "no fall-back of the first touches the display";
+  EXPECT_FALSE(world().asked(Operation::managedDisplaySetCurrentSpace));
+  EXPECT_THAT(takeLog(), Contains("[DEBUG] SWITCH: overtaken by a later switch (target=2)"));
+}
+
+TEST_F(Switching, AWayBackIsNotTakenForAnArrival) {
+  start(left);
+  const auto desktops = Spaces::enumerate().desktops;
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedSetCurrentSpace] = 100ms; });
+  Spaces::switchWithoutOverlay(desktops[1]);
+  // Still current then, but not for long.
+  sim->time().outside(20ms, [&] { Spaces::switchWithoutOverlay(desktops[0]); });
+  sim->time().runUntilIdle();
+  EXPECT_EQ(world().currentSpace("left"), 1u);
+}
+
 TEST_F(Switching, EachWayToMoveAWindowIsTriedInTurn) {
   const char* methods[] = {"SLSBridgedMoveWindowsToManagedSpaceOperation", "SLSMoveWindowsToManagedSpace",
                            "SLSSetWindowListWorkspace (compat ID)", "SLSAddWindowsToSpaces+SLSRemoveWindowsFromSpaces"};

@@ -2,13 +2,34 @@
 
 #include <sys/stat.h>
 
+#include <condition_variable>
 #include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "platform/Platform.h"
 
 namespace tessaspaces::SessionBus {
+namespace {
+
+struct Waiting {
+  std::mutex mutex;  // guards everything below and the answers under way
+  std::condition_variable changed;
+  int asked = 0;
+  bool over = false;
+};
+
+/// Never destroyed: a thread whose bus does not answer may outlive everything.
+Waiting& waiting() {
+  static Waiting& shared = *std::make_unique<Waiting>().release();
+  return shared;
+}
+
+}  // namespace
 
 void prepareEnvironment() {
   if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS"); address != nullptr && *address != '\0') return;
@@ -22,10 +43,25 @@ void prepareEnvironment() {
 }
 
 void connect(std::function<void(QDBusConnection)> connected, std::function<void()> absent) {
-  // Connecting waits for the bus to answer.
+  // Connecting waits for the bus to answer, which a hung one never does: a thread that nobody joins asks, and
+  // the job that the dispatch joins gives up when the program ends.
   platform().dispatch().background([connected = std::move(connected), absent = std::move(absent)] {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    platform().dispatch().async([connected, absent, bus] {
+    const auto answer = std::make_shared<std::optional<QDBusConnection>>();
+    {
+      const std::lock_guard lock(waiting().mutex);
+      ++waiting().asked;
+    }
+    std::thread([answer] {
+      const QDBusConnection bus = QDBusConnection::sessionBus();
+      const std::lock_guard lock(waiting().mutex);
+      *answer = bus;
+      --waiting().asked;
+      waiting().changed.notify_all();
+    }).detach();
+    std::unique_lock lock(waiting().mutex);
+    waiting().changed.wait(lock, [&] { return waiting().over || answer->has_value(); });
+    if (waiting().over) return;
+    platform().dispatch().async([connected, absent, bus = **answer] {
       if (bus.isConnected()) {
         connected(bus);
       } else if (absent) {
@@ -33,6 +69,13 @@ void connect(std::function<void(QDBusConnection)> connected, std::function<void(
       }
     });
   });
+}
+
+bool abandon() {
+  const std::lock_guard lock(waiting().mutex);
+  waiting().over = true;
+  waiting().changed.notify_all();
+  return waiting().asked > 0;
 }
 
 }  // namespace tessaspaces::SessionBus

@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -60,6 +61,7 @@ int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool firs
     ReopenService::notifyRunningCopy();
     Alerts::infoAndWait(localized("app.alreadyRunning.title", runningCopyName()), localized("app.alreadyRunning.body"));
   }
+  SessionBus::abandon();
   queue.close();
   application.closeAllWindows();
   setPlatform(nullptr);
@@ -112,5 +114,11 @@ int run(int argc, char** argv) {
 }  // namespace tessaspaces
 
 int main(int argc, char** argv) {
-  return tessaspaces::run(argc, argv);
+  // Writing to somebody who has gone is an error like others. No SIG_IGN: started programs would inherit it.
+  std::signal(SIGPIPE, [](int) {});
+  const int status = tessaspaces::run(argc, argv);
+  if (!tessaspaces::SessionBus::abandon()) return status;
+  // Qt would wait for the bus that does not answer.
+  std::fflush(nullptr);
+  _exit(status);
 }

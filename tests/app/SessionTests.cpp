@@ -1,4 +1,8 @@
 #include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -114,6 +118,27 @@ class SessionTest : public testing::Test {
   QProcess second;
   std::unique_ptr<QDBusConnection> connection;
 };
+
+TEST_F(SessionTest, ABusThatDoesNotAnswerDoesNotHoldUpTheEnd) {
+  configure(R"({"tessaspaces.logLevel": 3})");
+  const int silent = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);  // takes connections and says nothing
+  sockaddr_un address{AF_UNIX, ""};
+  const std::string path = folder.filePath("silent").toStdString();
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(silent, 8), 0);
+  environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + QString::fromStdString(path));
+  // Under xcb Qt itself asks the bus for a screen reader, on the main thread.
+  environment.insert("QT_QPA_PLATFORM", "offscreen");
+  startProgram(program);
+  pollfd asked{silent, POLLIN, 0};
+  ASSERT_EQ(poll(&asked, 1, 10000), 1);
+  program.terminate();
+  ASSERT_TRUE(program.waitForFinished(10000));
+  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program.exitCode(), 0);
+  close(silent);
+}
 
 TEST_F(SessionTest, ASecondCopyHandsOverToTheFirst) {
   configure(R"({"tessaspaces.logLevel": 3, "tessaspaces.hideMenuBarIcon": true})");

@@ -18,6 +18,8 @@ namespace {
 
 // How long the time of an event may serve as "now". Key presses use their own time well within it.
 constexpr auto freshTime = std::chrono::milliseconds(500);
+// How much later than a newer one an event may be read, in milliseconds: a day.
+constexpr xcb_timestamp_t longestDelay = 24 * 60 * 60 * 1000;
 
 XcbConnectionRef connect(int& screenNumber, std::string& error) {
   XcbConnectionRef connection(xcb_connect(nullptr, &screenNumber));
@@ -108,6 +110,8 @@ Connection::Connection(XcbConnectionRef requests, XcbConnectionRef events, const
 void Connection::noteTime(xcb_timestamp_t time) {
   if (time == XCB_CURRENT_TIME) return;
   const std::lock_guard lock(timeMutex_);
+  // Times wrap around, so compare distances.
+  if (lastTime_ != XCB_CURRENT_TIME && lastTime_ - time - 1 < longestDelay) return;
   lastTime_ = time;
   lastTimeSeen_ = std::chrono::steady_clock::now();
 }
@@ -149,7 +153,7 @@ void Connection::drainRequests() {
   while (const EventRef event{xcb_poll_for_queued_event(requests_.get())}) {
     if (event->response_type == 0) {
       handleError(reinterpret_cast<const xcb_generic_error_t&>(*event), extensions());
-    } else if (eventType(*event) == XCB_PROPERTY_NOTIFY) {
+    } else if (eventType(*event) == XCB_PROPERTY_NOTIFY && !isSynthetic(*event)) {
       noteTime(eventAs<xcb_property_notify_event_t>(*event).time);
     }
   }

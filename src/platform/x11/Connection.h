@@ -32,7 +32,7 @@ class Connection {
   /// An unmapped window on the event connection that owns selections.
   [[nodiscard]] xcb_window_t ownWindow() const { return ownWindow_; }
 
-  /// Remembers the server time of an event. Any thread.
+  /// Remembers the server time of an event, unless that of a later one is known. Any thread.
   void noteTime(xcb_timestamp_t time);
   /// A server time for requests that want one: that of an event just seen, else asked of the server (one
   /// round trip). Window managers ignore or punish old times. Any thread.

@@ -81,6 +81,7 @@ EventRef EventPump::next() {
 void EventPump::lookAhead() {
   const auto before = foreseen_.size();
   while (EventRef event{xcb_poll_for_event(connection_.events().get())}) {
+    if (isSynthetic(*event)) continue;
     for (auto* listener : listeners_) listener->foresee(*event);
     foreseen_.push_back(std::move(event));
   }
@@ -115,6 +116,7 @@ void EventPump::dispatchEvent(const xcb_generic_event_t& event) {
     handleError(reinterpret_cast<const xcb_generic_error_t&>(event), connection_.extensions());
     return;
   }
+  if (isSynthetic(event)) return;
   connection_.noteTime(timeOf(event));
   for (auto* listener : listeners_) listener->handle(event);
 }

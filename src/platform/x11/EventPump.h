@@ -22,7 +22,8 @@ class EventListener {
   virtual void eventsDrained() {}
 };
 
-/// Brings the events of the event connection to the listeners, in the server's order. Main thread.
+/// Brings the events of the event connection to the listeners, in the server's order, without those that other
+/// clients made up. Main thread.
 class EventPump {
  public:
   EventPump(Connection& connection, Dispatch& dispatch) : connection_(connection), dispatch_(dispatch) {}

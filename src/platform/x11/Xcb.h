@@ -26,6 +26,11 @@ inline std::uint8_t eventType(const xcb_generic_event_t& event) {
   return event.response_type & 0x7f;
 }
 
+/// Another client made the event up; only what the server itself says has to be true.
+inline bool isSynthetic(const xcb_generic_event_t& event) {
+  return (event.response_type & 0x80) != 0;
+}
+
 /// The event as its own type; the caller has looked at eventType.
 template <class T>
 const T& eventAs(const xcb_generic_event_t& event) {

@@ -1,5 +1,6 @@
 // What the X11 platform promises beyond the contract, under a window manager of the usual kind.
 #include <algorithm>
+#include <thread>
 
 #include "contract/ContractTest.h"
 #include "contract/X11Driver.h"
@@ -42,9 +43,8 @@ TEST_P(X11Contract, EachPressOfABurstCountsWhereThePointerWas) {
   start();
   constexpr KeyCombo combo{124, KeyCombo::control | KeyCombo::option};
   std::vector<double> columns;
-  platform().hotKeys().setPressHandler([&](HotKeyID) {
-    platform().dispatch().async([&] { columns.push_back(platform().screens().pointer().x); });
-  });
+  platform().hotKeys().setPressHandler(
+      [&](HotKeyID) { platform().dispatch().async([&] { columns.push_back(platform().screens().pointer().x); }); });
   ASSERT_TRUE(platform().hotKeys().registerHotKey(combo, {1, 1}).handle.has_value());
   for (const int x : {100, 200, 300}) {
     driver->movePointer(x, 50);
@@ -55,6 +55,30 @@ TEST_P(X11Contract, EachPressOfABurstCountsWhereThePointerWas) {
   EXPECT_THAT(columns, testing::ElementsAre(100, 200, 300));
   driver->settle();
   EXPECT_EQ(platform().screens().pointer().x, 400) << "nothing of them lasts";
+}
+
+TEST_P(X11Contract, AReadingWaitsForTheServerAFewTimesHoweverManyWindowsThereAre) {
+  start();
+  for (int i = 0; i < 24; ++i) driver->open({.title = std::to_string(i), .desktop = i % desktopsPerDisplay});
+  driver->settle();
+  const auto cost = [&](const std::function<void()>& read) {
+    const auto before = x11().roundTrips();
+    const auto reading = server().beginRead();
+    read();
+    return x11().roundTrips() - before;
+  };
+  const auto all = [&] {
+    EXPECT_EQ(spaces().size(), desktopsPerDisplay);
+    EXPECT_EQ(platform().windowList().copyWindowInfo(WindowListOption::all).value().size(), 24U);
+    for (const auto space : spaces()) EXPECT_EQ(windowsOn(space).size(), 24U / desktopsPerDisplay);
+  };
+  // What the window manager still does after `settle` is read in between.
+  EXPECT_TRUE(driver->until([&] { return cost([&] { spaces(); }) == 0; })) << "the events keep the displays known";
+  EXPECT_LE(cost(all), 2U);
+  std::uint64_t elsewhere = 0;
+  std::thread([&] { elsewhere = cost(all); }).join();
+  EXPECT_GT(elsewhere, 0U);
+  EXPECT_LE(elsewhere, 3U) << "without the events";
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, X11Contract, testing::Values(x11Backends().front()), testing::PrintToStringParamName());

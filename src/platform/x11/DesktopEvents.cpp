@@ -108,13 +108,16 @@ void DesktopEvents::watchClients() {
 }
 
 bool DesktopEvents::managerChanged() {
-  const auto root = reader_.root(RootDetail::desktops);
-  if (root->checkWindow != XCB_NONE && root->checkWindow != checkWindow_) {
-    // Its end tells that the window manager has gone, however it went.
-    select(connection_.events(), root->checkWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+  const auto before = checkWindow_;
+  auto root = reader_.root(RootDetail::desktops);
+  while (root->checkWindow != XCB_NONE && root->checkWindow != checkWindow_) {
+    checkWindow_ = root->checkWindow;
+    // Its end tells that the window manager has gone, however it went; it may have come before this.
+    select(connection_.events(), checkWindow_, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     settle(connection_.events());
+    root = reader_.root(RootDetail::desktops);
   }
-  const bool changed = root->checkWindow != checkWindow_ || root->managed() != managed_;
+  const bool changed = root->checkWindow != before || root->managed() != managed_;
   checkWindow_ = root->checkWindow;
   managed_ = root->managed();
   return changed;

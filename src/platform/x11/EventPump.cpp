@@ -2,6 +2,8 @@
 
 #include <xcb/xproto.h>
 
+#include <utility>
+
 namespace tessaspaces {
 namespace {
 
@@ -41,7 +43,7 @@ void EventPump::drain() {
   int passes = passesPerDrain;
   bool any = true;
   while (any) {
-    any = false;
+    any = !std::exchange(begun_, true);
     // Before the last look: writing also reads, into a queue that the descriptor does not show.
     channel.flush();
     while (events > 0) {

@@ -30,7 +30,7 @@ class EventPump {
 
   /// Called for each event in the order of the calls. Before `start`.
   void add(EventListener& listener) { listeners_.push_back(&listener); }
-  /// Begins to watch the connection.
+  /// Begins to watch the connection. Listeners get one eventsDrained soon even without events.
   void start();
   /// Lets the watch go for good; a drain that is queued does nothing.
   void stop();
@@ -61,6 +61,7 @@ class EventPump {
   RegistrationRef watch_;
   std::atomic<bool> watching_ = false;
   bool drainPending_ = false;
+  bool begun_ = false;                                     // listeners have been told once that the queue is empty
   std::shared_ptr<int> alive_ = std::make_shared<int>(0);  // queued work may outlive this
 };
 

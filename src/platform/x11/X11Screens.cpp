@@ -82,6 +82,7 @@ Point X11Screens::pointer() {
 }
 
 void X11Screens::start() {
+  stale_ = true;  // what changed between the first reading and this was announced to nobody
   if (connection_.extensions().randr == 0) return;
   connection_.events().send<xcb_randr_select_input>(
       connection_.root(),

@@ -47,7 +47,7 @@ class X11Screens : public Screens, public EventListener {
   /// Never null. Any thread.
   [[nodiscard]] ScreenLayoutRef layout() const;
 
-  /// Asks for the events that announce changes. Main thread.
+  /// Asks for the events that announce changes; the screens are read anew with the first. Main thread.
   void start();
   void handle(const xcb_generic_event_t& event) override;
   void eventsDrained() override;

@@ -170,7 +170,8 @@ bool RunLoop::runTimers() {
     if (timer->interval == Duration::zero()) {
       timer->active = false;
     } else {
-      timer->due = std::max(timer->due + timer->interval, time);  // ticks that were missed are not made up
+      timer->due += timer->interval;
+      if (timer->due <= time) timer->due = time + timer->interval;  // ticks that were missed are not made up
     }
     timer->work();
   }

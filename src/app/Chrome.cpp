@@ -203,9 +203,10 @@ void Panel::fit(QVBoxLayout& column) {
   const int width = qMax(width_, column.totalMinimumSize().width());
   if (inner != nullptr) {
     const int whole = inner->totalHeightForWidth(width - 2 * sideMargin);
-    scrolled_->setMinimumHeight(whole);
+    // Not its own wish, which supposes a narrower window.
+    scrolled_->setFixedHeight(whole);
     const int excess = column.totalHeightForWidth(width) - (screen()->availableGeometry().height() - frameHeight);
-    if (excess > 0) scrolled_->setMinimumHeight(qMax(leastScrolled, whole - excess));
+    if (excess > 0) scrolled_->setFixedHeight(qMax(leastScrolled, whole - excess));
   }
   content_->setMinimumSize(width, column.totalHeightForWidth(width));
 }

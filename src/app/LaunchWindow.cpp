@@ -89,6 +89,7 @@ void LaunchWindow::populate(QVBoxLayout& layout) {
   QVBoxLayout& cards = addScrolled(layout);
   if (controller_.isReady()) addHotKeys(cards);
   addChecks(cards);
+  layout.addStretch();
   addButtons(layout);
 }
 

@@ -73,6 +73,33 @@ TEST_P(Keys, PressedInQuickSuccessionLeadToTheLast) {
   EXPECT_FALSE(probe().waitFor([&] { return probe().currentDesktop() != 4; }, Milliseconds(800)));
 }
 
+/// i3 drops an empty workspace as soon as it is left, and every other one gets another number.
+class EmptyWorkspaces : public ProgramTest {
+ protected:
+  bool showEmptyWorkspaceBeforeTheOthers() {
+    session().server.run({"i3-msg", "workspace", "0"});
+    return probe().waitFor([&] { return probe().desktopCount() == 5 && probe().currentDesktop() == 0; });
+  }
+  bool isLastOf(int desktops, int current) {
+    const auto arrived = [&] { return probe().desktopCount() == desktops && probe().currentDesktop() == current; };
+    return probe().waitFor(arrived) && !probe().waitFor([&] { return !arrived(); }, Milliseconds(800));
+  }
+};
+
+TEST_P(EmptyWorkspaces, AreLeftForTheOneThatWasMeant) {
+  start(4);
+  ASSERT_TRUE(showEmptyWorkspaceBeforeTheOthers());
+  session().keyboard.press(rightKey);
+  EXPECT_TRUE(isLastOf(4, 0)) << "the next workspace, which is the first now";
+  ASSERT_TRUE(showEmptyWorkspaceBeforeTheOthers());
+  session().keyboard.press(directKey(4));
+  EXPECT_TRUE(isLastOf(4, 2));
+  ASSERT_TRUE(showEmptyWorkspaceBeforeTheOthers());
+  EXPECT_EQ(program().control({"switch", "2"}).status, 0);
+  EXPECT_TRUE(isLastOf(4, 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, EmptyWorkspaces, testing::Values(Manager::i3), managerName);
 INSTANTIATE_TEST_SUITE_P(X11, Keys, testing::Values(Manager::openbox, Manager::xfwm4, Manager::i3), managerName);
 
 }  // namespace

@@ -9,6 +9,10 @@
 
 namespace tessaspaces::harness {
 
+inline void PrintTo(Manager manager, std::ostream* out) {
+  *out << nameOf(manager);
+}
+
 /// The program in a session of its own under one of the window managers. It must end cleanly however the test goes;
 /// what it logged is printed when the test fails.
 class ProgramTest : public testing::TestWithParam<Manager> {

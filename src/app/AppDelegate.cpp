@@ -75,6 +75,7 @@ void AppDelegate::becomeReady() {
     guard->statusItem_->start();
     // Only now: the emission that made the program ready must not register the keys once more.
     guard->observeWindowManager();
+    guard->advertiseGrid();
   });
 }
 
@@ -91,7 +92,10 @@ void AppDelegate::observeNotifications() {
       if (self.statusItem_) (self.*reaction)();
     };
   };
-  observe(Notifications::qualityChanged, reload);
+  observe(Notifications::qualityChanged, [reload](AppDelegate& self) {
+    reload(self);
+    if (self.statusItem_) self.advertiseGrid();
+  });
   observe(Notifications::wallpaperStoreChanged, reload);
   observe(Notifications::hotkeysChanged, whenReady(&AppDelegate::registerHotKeys));
   observe(Notifications::languageChanged, whenReady(&AppDelegate::buildMenuBar));
@@ -106,6 +110,15 @@ void AppDelegate::observeWindowManager() {
     registerHotKeys();
     LaunchWindowController::shared().refresh();
   }));
+  observers_.push_back(platform().hotKeys().combosLost.connect([this] {
+    registerHotKeys();
+    LaunchWindowController::shared().refresh();
+  }));
+  observers_.push_back(platform().screens().changed.connect([this] { advertiseGrid(); }));
+}
+
+void AppDelegate::advertiseGrid() {
+  platform().windowServer().setDesktopLayout(Settings::gridRows(), Settings::gridColumns());
 }
 
 void AppDelegate::buildMenuBar() {

@@ -36,6 +36,8 @@ class AppDelegate final : public QObject {
   void applyMenuBarVisibility();
   void startHotCorner();
   void registerHotKeys();
+  /// Lets the window manager know the grid, for its own directions and pagers.
+  void advertiseGrid();
   /// What a hot corner does.
   void perform(HotCornerAction action, const ScreenRef& on);
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/KeyCombo.h"
+#include "base/Signal.h"
 
 namespace tessaspaces {
 
@@ -35,6 +36,10 @@ class HotKeyRegistrar {
   /// Takes the combo for this program alone.
   virtual HotKeyRegistration registerHotKey(KeyCombo combo, HotKeyID id) = 0;
   virtual void unregisterHotKey(HotKeyHandle handle) = 0;
+
+  /// Registered combos stopped working, as after a change of the keyboard: registering everything anew tells
+  /// which. Main thread.
+  Signal<> combosLost;
 };
 
 }  // namespace tessaspaces

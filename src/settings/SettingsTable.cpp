@@ -75,6 +75,7 @@ constexpr Entry gridSide(Setting setting, std::string_view key, Default defaultV
           .minimum = 1,
           .maximum = Settings::maxGridSide,
           .clamps = true,
+          .notification = Notifications::qualityChanged,
           .description = description};
 }
 
@@ -89,7 +90,7 @@ constexpr Entry assignment(Setting setting, std::string_view key, std::string_vi
 
 constexpr Entry imported(Entry entry, std::string_view notification = {}) {
   entry.import = Import::yes;
-  entry.notification = notification;
+  if (!notification.empty()) entry.notification = notification;
   return entry;
 }
 

@@ -217,7 +217,8 @@ TEST_F(SettingsFacadeTest, OutsideChangesAreAnnouncedOnce) {
   const std::vector<std::string> changed{"tessaspaces.hotkey.0", "tessaspaces.hotkey.overview.keyCode",
                                          "tessaspaces.language", "tessaspaces.grid.rows.X", "unknown"};
   Settings::announceChanges(changed);
-  EXPECT_THAT(seen, ::testing::UnorderedElementsAre(Notifications::hotkeysChanged, Notifications::languageChanged));
+  EXPECT_THAT(seen, ::testing::UnorderedElementsAre(Notifications::hotkeysChanged, Notifications::languageChanged,
+                                                     Notifications::qualityChanged));
 }
 
 TEST_F(SettingsFacadeTest, FacadeIsSafeFromEveryThread) {

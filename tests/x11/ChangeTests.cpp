@@ -88,6 +88,24 @@ TEST_P(Changes, WindowsComeAndGoInAStorm) {
   EXPECT_TRUE(goes(rightKey, 3));
 }
 
+TEST_P(Changes, TheWindowManagerLearnsTheShapeOfTheGrid) {
+  start(10, {{"tessaspaces.grid.columns", "5"}});
+  const XConnection& x = probe().connection();
+  const auto layoutIs = [&](std::uint32_t columns) {
+    return probe().waitFor([&] {
+      const auto layout = x.numbers(x.root(), "_NET_DESKTOP_LAYOUT");
+      return layout.size() == 4 && layout[0] == 0 && layout[1] == columns && layout[2] == 0 && layout[3] == 0;
+    });
+  };
+  EXPECT_TRUE(layoutIs(5));
+  EXPECT_EQ(program().control({"config", "set", "tessaspaces.grid.columns", "3"}).status, 0);
+  EXPECT_TRUE(layoutIs(3));
+  EXPECT_TRUE(goes(downKey, 3));
+  EXPECT_EQ(program().stop(), 0);
+  EXPECT_TRUE(probe().waitFor([&] { return x.numbers(x.root(), "_NET_DESKTOP_LAYOUT").empty(); }))
+      << "what the program set goes with it";
+}
+
 INSTANTIATE_TEST_SUITE_P(X11, Changes, testing::Values(Manager::openbox, Manager::xfwm4, Manager::i3), managerName);
 
 class Monitors : public ProgramTest {

@@ -17,8 +17,10 @@ void PagerLayout::advertise(int rows, int columns) {
   }
   if (!owning_ && !acquire()) return;
   auto& channel = connection_.events();
-  const std::array<std::uint32_t, 4> layout{horizontal, static_cast<std::uint32_t>(columns),
-                                            static_cast<std::uint32_t>(rows), topLeft};
+  // As many rows as the desktops take, which may be more or fewer than the overview shows: the protocol has 0 for
+  // that, and calls a layout with too little room broken.
+  constexpr std::uint32_t computed = 0;
+  const std::array<std::uint32_t, 4> layout{horizontal, static_cast<std::uint32_t>(columns), computed, topLeft};
   channel.send<xcb_change_property>(std::uint8_t{XCB_PROP_MODE_REPLACE}, connection_.root(),
                                     connection_.atoms().netDesktopLayout, xcb_atom_t{XCB_ATOM_CARDINAL},
                                     std::uint8_t{32}, static_cast<std::uint32_t>(layout.size()), layout.data());
@@ -55,7 +57,9 @@ void PagerLayout::release() {
   channel.send<xcb_delete_property>(connection_.root(), connection_.atoms().netDesktopLayout);
   channel.send<xcb_set_selection_owner>(xcb_window_t{XCB_NONE}, connection_.atoms().netDesktopLayoutSelection,
                                         connection_.timestamp());
-  pump_.flush();
+  // A server that finds the connection closed drops what it has not read yet: wait until it has.
+  channel.await<xcb_get_input_focus_reply>(channel.send<xcb_get_input_focus>());
+  pump_.drainLater();
 }
 
 void PagerLayout::handle(const xcb_generic_event_t& event) {

@@ -160,6 +160,7 @@ void X11HotKeys::grabAgain(KeyboardMap map) {
     hotKey.keys.clear();
   }
   adopt(std::move(map));
+  bool lost = false;
   for (auto& [handle, hotKey] : registered_) {
     auto keys = keysOf(hotKey.combo);
     // Two combos can end up on one key; the one registered first keeps it.
@@ -167,10 +168,13 @@ void X11HotKeys::grabAgain(KeyboardMap map) {
     if (error == 0) {
       hotKey.keys = std::move(keys);
     } else {
+      lost = true;
       report(ReportLevel::error, fmt::format("HOTKEY: {} is lost after a change of the keyboard, status={}",
                                              hotKey.combo.display(), error));
     }
   }
+  // The observers register and unregister, which this must not be in the middle of.
+  if (lost) pump_.later([this] { combosLost.emit(); });
 }
 
 void X11HotKeys::pressed(const xcb_key_press_event_t& event) {

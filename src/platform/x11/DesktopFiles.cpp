@@ -25,7 +25,13 @@ std::optional<std::size_t> nameRank(std::string_view key, const std::vector<std:
   return std::nullopt;
 }
 
+// Desktop files have a few kilobytes, with all their translations.
+constexpr std::uintmax_t maxFileSize = 1U << 20;
+
 std::optional<std::string> readFile(const fs::path& path) {
+  std::error_code error;
+  // A pipe would be waited for.
+  if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > maxFileSize || error) return std::nullopt;
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
   std::ostringstream text;
@@ -76,6 +82,11 @@ std::vector<fs::path> DesktopFiles::standardFolders() {
     if (!dir.empty()) folders.emplace_back(fs::path(dir) / "applications");
   }
   return folders;
+}
+
+void DesktopFiles::prepare() {
+  const std::lock_guard lock(mutex_);
+  if (!read_) read();
 }
 
 std::optional<DesktopFile> DesktopFiles::find(std::string_view instance, std::string_view windowClass) {

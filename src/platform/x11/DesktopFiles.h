@@ -32,6 +32,8 @@ class DesktopFiles {
   /// "applications" in XDG_DATA_HOME and XDG_DATA_DIRS.
   static std::vector<std::filesystem::path> standardFolders();
 
+  /// Reads them all, which `find` does at first otherwise: hundreds of files on a full system.
+  void prepare();
   /// The application whose windows have this WM_CLASS (instance and class).
   std::optional<DesktopFile> find(std::string_view instance, std::string_view windowClass);
 

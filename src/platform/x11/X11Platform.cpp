@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 
 #include "base/Report.h"
 #include "platform/x11/DesktopEvents.h"
@@ -19,6 +20,11 @@
 #include "platform/x11/X11WindowServer.h"
 
 namespace tessaspaces {
+namespace {
+
+constexpr auto preparationDelay = std::chrono::seconds(2);
+
+}  // namespace
 
 /// Declared in the order in which each part needs the ones before it.
 struct X11Platform::Parts {
@@ -57,6 +63,8 @@ void X11Platform::Parts::startEvents() {
   screens.start();
   desktopEvents.start();
   pump.start();
+  // Not at the start, where everybody is in a hurry, and not under the first key that moves a window.
+  pump.after(preparationDelay, [this] { dispatch.background([this] { desktopFiles.prepare(); }); });
 }
 
 void X11Platform::Parts::handleLostConnection() {

@@ -20,10 +20,11 @@ std::optional<std::vector<WindowInfo>> X11WindowList::copyWindowInfo(WindowListO
   const auto scope = reader_.beginRead();
   const auto records = reader_.windows(WindowDetail::everything);
   const bool onScreen = option == WindowListOption::onScreenWithoutDesktopElements;
+  const auto sight = server_.sight();
   std::vector<WindowInfo> windows;
   windows.reserve(records->size());
   for (const auto& record : *records) {
-    if (onScreen && (record.layer == layers::desktop || !server_.isVisible(record))) continue;
+    if (onScreen && (record.layer == layers::desktop || !sight.isVisible(record))) continue;
     WindowInfo info;
     info.layer = record.layer;
     info.ownerPid = record.pid;

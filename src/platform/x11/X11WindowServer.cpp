@@ -188,13 +188,20 @@ void X11WindowServer::noteVisibleDesktops() {
   view();
 }
 
-bool X11WindowServer::isVisible(const WindowRecord& window) {
-  if (!window.viewable || window.hidden) return false;
-  if (!window.desktop || *window.desktop == allDesktops) return true;
+X11WindowServer::Sight X11WindowServer::sight() {
   const auto view = this->view();
-  if (!view.root->managed()) return true;
+  Sight sight;
+  sight.managed_ = view.root->managed();
+  sight.perMonitor_ = view.map.perMonitor;
+  sight.current_ = view.root->current;
+  return sight;
+}
+
+bool X11WindowServer::Sight::isVisible(const WindowRecord& window) const {
+  if (!window.viewable || window.hidden) return false;
+  if (!managed_ || !window.desktop || *window.desktop == allDesktops) return true;
   // On a monitor of its own a desktop with a viewable window is the one shown.
-  return view.map.perMonitor || view.root->current == window.desktop;
+  return perMonitor_ || current_ == window.desktop;
 }
 
 Reader::Root X11WindowServer::numbering() {

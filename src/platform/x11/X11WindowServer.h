@@ -44,8 +44,18 @@ class X11WindowServer : public WindowServer {
 
   /// Looks which desktop the focused monitor shows, while it still does: see VisibleDesktops. Any thread.
   void noteVisibleDesktops();
-  /// Whether the display with the index in ScreenLayout::monitors shows the desktop; reads through `reader_`.
-  [[nodiscard]] bool isVisible(const WindowRecord& window);
+  /// Tells which windows are on a desktop that is shown, as of one moment.
+  class Sight {
+   public:
+    [[nodiscard]] bool isVisible(const WindowRecord& window) const;
+
+   private:
+    friend class X11WindowServer;
+    bool managed_ = false;
+    bool perMonitor_ = false;
+    std::optional<std::uint32_t> current_;
+  };
+  [[nodiscard]] Sight sight();
 
  private:
   struct View;

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <thread>
 
 #include "Statistics.h"
 #include "harness/Session.h"
@@ -18,6 +19,7 @@ using namespace tessaspaces::harness;
 constexpr int desktops = 4;
 constexpr int windows = 20;
 constexpr int warmUp = 8;
+constexpr auto settleTime = std::chrono::milliseconds(25);
 
 /// Sees the current desktop change and says when the notice arrived. Asks the server nothing in between: a question
 /// under way would stand in the way of what is measured.
@@ -121,6 +123,8 @@ class Bench {
     const Keymap map = session_.keyboard.keymap();
     const xcb_keycode_t key = map.keyFor(KeyCombo{KeyCombo::digitKeyCodes.at(static_cast<std::size_t>(desktop)), 0});
     if (way.modifiers != 0) session_.keyboard.hold(way.modifiers);
+    // A person presses a key while nothing goes on: let the window manager finish the switch before.
+    std::this_thread::sleep_for(settleTime);
     watch_.forget();
     const auto start = Clock::now();
     if (way.modifiers != 0) {

@@ -1,5 +1,7 @@
 #include "platform/x11/Reader.h"
 
+#include <utility>
+
 namespace tessaspaces {
 
 /// What the innermost thread's scope has read already. `owner` is null while no scope is open.
@@ -44,7 +46,17 @@ Reader::Root Reader::root(RootDetail detail) {
   if (memo != nullptr && memo->root) return memo->root;
   if (memo != nullptr && keeping()) {
     lookAhead_();
-    if (kept_) return memo->root = kept_;
+    if (kept_) {
+      const std::lock_guard lock(mutex_);
+      handedOver_ = kept_;
+      handedOverAt_ = std::chrono::steady_clock::now();
+      return memo->root = kept_;
+    }
+  } else if (memo != nullptr) {
+    const std::lock_guard lock(mutex_);
+    if (handedOver_ && std::chrono::steady_clock::now() - handedOverAt_ < handOverTime) {
+      return memo->root = std::exchange(handedOver_, nullptr);
+    }
   }
   std::uint64_t generation = 0;
   {
@@ -93,6 +105,8 @@ void Reader::keepRoot(std::function<void()> lookAhead) {
 
 void Reader::rootChanged() {
   if (keeping()) kept_.reset();
+  const std::lock_guard lock(mutex_);
+  handedOver_.reset();
 }
 
 void Reader::refreshRoot() {

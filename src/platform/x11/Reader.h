@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -64,7 +65,13 @@ class Reader {
   std::function<void()> lookAhead_;  // the keeper's thread only
   Root kept_;                        // the keeper's thread only; null while it is out of date
 
-  std::mutex mutex_;  // guards the two below
+  // What the events' thread has just read for a command serves the thread that carries it out as well: that the
+  // command goes over to it costs no question. Once, and for a moment only.
+  static constexpr auto handOverTime = std::chrono::milliseconds(2);
+
+  std::mutex mutex_;  // guards all below
+  Root handedOver_;
+  std::chrono::steady_clock::time_point handedOverAt_;
   std::uint64_t generation_ = 0;
   Root numbering_;
 };

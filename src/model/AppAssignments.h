@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
 #include "settings/Settings.h"
 
 namespace tessaspaces::Settings {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
 #include "model/Navigation.h"
 #include "model/Switching.h"
 

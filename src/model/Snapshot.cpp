@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 
+#include "bridges/DisplaySpaces.h"
 #include "bridges/SkyLightBridge.h"
 #include "model/DisplayScreens.h"
 #include "model/SnapshotCaches.h"
@@ -17,10 +18,6 @@ constexpr int allSpacesMask = 7;
 
 /// From here on the window server offers its own operations and the external one is not asked.
 constexpr OperatingSystemVersion nativeVersion{27, 0};
-
-std::optional<SpaceID> idOf(const ManagedSpace& space) {
-  return space.id64 ? space.id64 : space.managedSpaceID;
-}
 
 std::vector<DesktopRef> userDesktops(const ManagedDisplay& display) {
   const std::string displayID = display.displayIdentifier.value_or("");
@@ -67,15 +64,6 @@ void trackCurrentDesktop(const std::string& displayID, const std::vector<Desktop
   }
 }
 
-std::optional<ManagedDisplay> managedDisplay(const std::string& displayUUID) {
-  auto displays = SLS::copyManagedDisplaySpaces();
-  if (!displays) return std::nullopt;
-  const auto match = std::find_if(displays->begin(), displays->end(),
-                                  [&](const auto& display) { return display.displayIdentifier == displayUUID; });
-  if (match == displays->end()) return std::nullopt;
-  return std::move(*match);
-}
-
 struct ActiveSpaces {
   /// Guards `lastKnownActiveSpaceID`.
   std::mutex activeSpaceLock;
@@ -108,20 +96,6 @@ SpacesSnapshot enumerate(WithWindows withWindows) {
 
 std::vector<WindowID> ids(SpaceID onSpace) {
   return SLS::copyWindowsOnSpace(onSpace).value_or(std::vector<WindowID>{});
-}
-
-std::vector<SpaceID> allSpaceIDs(const std::string& displayUUID) {
-  std::vector<SpaceID> all;
-  const auto display = managedDisplay(displayUUID);
-  if (!display || !display->spaces) return all;
-  for (const auto& space : *display->spaces) {
-    if (const auto id = idOf(space)) all.push_back(*id);
-  }
-  return all;
-}
-
-SpaceID currentSpaceID(const std::string& displayUUID) {
-  return SLS::managedDisplayGetCurrentSpace(displayUUID);
 }
 
 std::optional<int> currentDesktopIndex(const SpacesSnapshot& snapshot, const std::string& displayUUID) {

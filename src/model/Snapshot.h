@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
+#include "bridges/DisplaySpaces.h"
 
 /// The desktop model. Every query asks the window server when it is called; nothing is kept but what is
 /// said here. Any thread. A window server that does not answer yields an empty or absent result.
@@ -19,10 +20,6 @@ SpacesSnapshot enumerate(WithWindows withWindows = WithWindows::yes);
 
 /// The numbers of the windows on one space, front to back.
 std::vector<WindowID> ids(SpaceID onSpace);
-/// Every space of the display in order, user desktops and others alike.
-std::vector<SpaceID> allSpaceIDs(const std::string& displayUUID);
-/// The space that the display shows now; 0 when unknown.
-SpaceID currentSpaceID(const std::string& displayUUID);
 /// Position in `snapshot.desktops` of the desktop that the display shows.
 std::optional<int> currentDesktopIndex(const SpacesSnapshot& snapshot, const std::string& displayUUID);
 /// Position of the first desktop that the snapshot itself marks as current.

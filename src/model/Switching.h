@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
 #include "model/Navigation.h"
 
 /// Making a desktop the current one of its display. No system promises that this works, so the methods

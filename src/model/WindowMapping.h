@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
 #include "platform/WindowList.h"
 
 /// Which windows of the system's list belong on which desktop. Internal to the model.

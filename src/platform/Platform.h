@@ -4,9 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "platform/AccessibilityWindows.h"
 #include "platform/Applications.h"
 #include "platform/Dispatch.h"
 #include "platform/HotKeyRegistrar.h"
+#include "platform/InputEvents.h"
 #include "platform/Screens.h"
 #include "platform/Session.h"
 #include "platform/WindowList.h"
@@ -24,6 +26,8 @@ class Platform {
   virtual WindowList& windowList() = 0;
   virtual Screens& screens() = 0;
   virtual Applications& applications() = 0;
+  virtual AccessibilityWindows& accessibility() = 0;
+  virtual InputEvents& inputEvents() = 0;
   virtual HotKeyRegistrar& hotKeys() = 0;
   virtual Preferences& preferences() = 0;
   virtual LoginItem& loginItem() = 0;

@@ -25,6 +25,8 @@ class Preferences {
   virtual std::optional<PreferenceValue> legacyValue(std::string_view key) = 0;
   /// The user's languages as tags like "de-AT", most wanted first; may be empty.
   virtual std::vector<std::string> preferredLanguages() = 0;
+  /// Whether content follows the fingers on a touchpad; swipes between desktops are turned round with it.
+  virtual bool naturalScrolling() = 0;
 };
 
 /// Starting this program when the user logs in. Any thread.

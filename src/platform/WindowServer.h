@@ -90,6 +90,15 @@ class WindowServer {
   /// Hands one operation over. False when this system does not offer it; true says nothing about its end.
   virtual bool performBridged(const BridgedOperation& operation) = 0;
 
+  // Adding and removing desktops. False when this system does not offer it; true says nothing about its end, and the
+  // numbers of other spaces may change with it.
+  /// One more user desktop after the display's last.
+  virtual bool addSpace(std::string_view display) { return static_cast<void>(display), false; }
+  /// Its windows go to a neighbouring desktop of the display.
+  virtual bool removeSpace(std::string_view display, SpaceID space) {
+    return static_cast<void>(display), static_cast<void>(space), false;
+  }
+
   /// Holds one consistent reading together: until the returned object goes, queries of this thread to the
   /// window server, the window list and the screens may be answered from a single batch of requests. Not
   /// to be held across a wait. Scopes nest; the outermost counts.

@@ -73,6 +73,7 @@ class FakePreferences : public Preferences {
     return found != legacy.end() ? std::optional(found->second) : std::nullopt;
   }
   std::vector<std::string> preferredLanguages() override { return languages; }
+  bool naturalScrolling() override { return true; }
 };
 
 class FakeLoginItem : public LoginItem {
@@ -149,6 +150,8 @@ class FakePlatform : public Platform {
   WindowServer& windowServer() override { fatal("not part of this fake"); }
   WindowList& windowList() override { fatal("not part of this fake"); }
   Applications& applications() override { fatal("not part of this fake"); }
+  AccessibilityWindows& accessibility() override { fatal("not part of this fake"); }
+  InputEvents& inputEvents() override { fatal("not part of this fake"); }
   HotKeyRegistrar& hotKeys() override { fatal("not part of this fake"); }
   Permissions& permissions() override { fatal("not part of this fake"); }
   std::string name() const override { return "fake"; }

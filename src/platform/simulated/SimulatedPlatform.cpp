@@ -5,8 +5,10 @@
 
 #include "base/Fatal.h"
 #include "base/Report.h"
+#include "platform/simulated/SimulatedAccessibility.h"
 #include "platform/simulated/SimulatedDesktop.h"
 #include "platform/simulated/SimulatedHotKeys.h"
+#include "platform/simulated/SimulatedInputEvents.h"
 #include "platform/simulated/SimulatedSession.h"
 #include "platform/simulated/SimulatedWindowServer.h"
 #include "platform/simulated/WorldText.h"
@@ -53,6 +55,8 @@ struct SimulatedPlatform::Parts {
   SimulatedWindowList windowList{world};
   SimulatedScreens screens{world};
   SimulatedApplications applications{world};
+  SimulatedAccessibility accessibility{world};
+  SimulatedInputEvents inputEvents{world};
   SimulatedHotKeys hotKeys{world};
   SimulatedPreferences preferences;
   SimulatedLoginItem loginItem{world};
@@ -99,6 +103,12 @@ Screens& SimulatedPlatform::screens() {
 }
 Applications& SimulatedPlatform::applications() {
   return parts_->applications;
+}
+AccessibilityWindows& SimulatedPlatform::accessibility() {
+  return parts_->accessibility;
+}
+InputEvents& SimulatedPlatform::inputEvents() {
+  return parts_->inputEvents;
 }
 HotKeyRegistrar& SimulatedPlatform::hotKeys() {
   return parts_->hotKeys;
@@ -172,6 +182,9 @@ void SimulatedPlatform::setLegacyPreference(std::string key, PreferenceValue val
 
 void SimulatedPlatform::setPreferredLanguages(std::vector<std::string> tags) {
   parts_->preferences.setPreferredLanguages(std::move(tags));
+}
+void SimulatedPlatform::setNaturalScrolling(bool natural) {
+  parts_->preferences.setNaturalScrolling(natural);
 }
 
 void SimulatedPlatform::setPermissions(bool accessibility, bool screenRecording) {

@@ -30,6 +30,8 @@ class SimulatedPlatform final : public Platform {
   WindowList& windowList() override;
   Screens& screens() override;
   Applications& applications() override;
+  AccessibilityWindows& accessibility() override;
+  InputEvents& inputEvents() override;
   HotKeyRegistrar& hotKeys() override;
   Preferences& preferences() override;
   LoginItem& loginItem() override;
@@ -60,6 +62,8 @@ class SimulatedPlatform final : public Platform {
   void setOperatingSystemVersion(OperatingSystemVersion version);
   void setLegacyPreference(std::string key, PreferenceValue value);
   void setPreferredLanguages(std::vector<std::string> tags);
+  /// True unless set.
+  void setNaturalScrolling(bool natural);
   /// Both true unless set.
   void setPermissions(bool accessibility, bool screenRecording);
   /// All facts are fine unless set.

@@ -13,6 +13,16 @@ std::vector<std::string> SimulatedPreferences::preferredLanguages() {
   return languages_;
 }
 
+bool SimulatedPreferences::naturalScrolling() {
+  const std::lock_guard guard(lock_);
+  return naturalScrolling_;
+}
+
+void SimulatedPreferences::setNaturalScrolling(bool natural) {
+  const std::lock_guard guard(lock_);
+  naturalScrolling_ = natural;
+}
+
 void SimulatedPreferences::setLegacyValue(std::string key, PreferenceValue value) {
   const std::lock_guard guard(lock_);
   legacy_[std::move(key)] = std::move(value);

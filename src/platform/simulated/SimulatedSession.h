@@ -13,14 +13,17 @@ class SimulatedPreferences final : public Preferences {
  public:
   std::optional<PreferenceValue> legacyValue(std::string_view key) override;
   std::vector<std::string> preferredLanguages() override;
+  bool naturalScrolling() override;
 
   void setLegacyValue(std::string key, PreferenceValue value);
   void setPreferredLanguages(std::vector<std::string> tags);
+  void setNaturalScrolling(bool natural);
 
  private:
-  std::mutex lock_;  // guards both
+  std::mutex lock_;  // guards all below
   std::map<std::string, PreferenceValue, std::less<>> legacy_;
   std::vector<std::string> languages_{"en"};
+  bool naturalScrolling_ = true;
 };
 
 /// A login item in memory; SimulatedFaults::loginItemFailure makes changing it fail.

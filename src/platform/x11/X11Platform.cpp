@@ -10,8 +10,10 @@
 #include "platform/x11/EventPump.h"
 #include "platform/x11/PagerLayout.h"
 #include "platform/x11/Text.h"
+#include "platform/x11/X11AccessibilityWindows.h"
 #include "platform/x11/X11Applications.h"
 #include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11InputEvents.h"
 #include "platform/x11/X11LoginItem.h"
 #include "platform/x11/X11Preferences.h"
 #include "platform/x11/X11Screens.h"
@@ -47,6 +49,8 @@ struct X11Platform::Parts {
   X11WindowList windowList{reader, windowServer};
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};
+  X11AccessibilityWindows accessibility{*connection, reader};
+  X11InputEvents inputEvents{*connection};
   X11HotKeys hotKeys{*connection, pump, screens};
   X11Preferences preferences;
   X11LoginItem loginItem{X11LoginItem::standardFile(), X11LoginItem::ownExecutable()};
@@ -114,6 +118,12 @@ Screens& X11Platform::screens() {
 }
 Applications& X11Platform::applications() {
   return parts_->applications;
+}
+AccessibilityWindows& X11Platform::accessibility() {
+  return parts_->accessibility;
+}
+InputEvents& X11Platform::inputEvents() {
+  return parts_->inputEvents;
 }
 HotKeyRegistrar& X11Platform::hotKeys() {
   return parts_->hotKeys;

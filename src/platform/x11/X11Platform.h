@@ -24,6 +24,8 @@ class X11Platform : public Platform {
   WindowList& windowList() override;
   Screens& screens() override;
   Applications& applications() override;
+  AccessibilityWindows& accessibility() override;
+  InputEvents& inputEvents() override;
   HotKeyRegistrar& hotKeys() override;
   Preferences& preferences() override;
   LoginItem& loginItem() override;

@@ -15,6 +15,7 @@ class X11Preferences : public Preferences {
  public:
   std::optional<PreferenceValue> legacyValue(std::string_view key) override;
   std::vector<std::string> preferredLanguages() override;
+  bool naturalScrolling() override { return false; }
 };
 
 /// The languages that the locale variables ask for, as gettext reads them: LC_ALL, else LC_MESSAGES, else

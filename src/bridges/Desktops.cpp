@@ -1,4 +1,4 @@
-#include "model/Desktops.h"
+#include "bridges/Desktops.h"
 
 #include "settings/L10n.h"
 #include "settings/Settings.h"

@@ -1,0 +1,36 @@
+#include "platform/simulated/SimulatedInputEvents.h"
+
+namespace tessaspaces {
+
+std::unique_ptr<InputEvent> SimulatedInputEvents::create() {
+  static_cast<void>(world_);
+  return nullptr;
+}
+
+std::unique_ptr<InputEvent> SimulatedInputEvents::recreate(std::span<const std::uint8_t> /*data*/) {
+  return nullptr;
+}
+
+void SimulatedInputEvents::post(const InputEvent& /*event*/) {}
+
+std::uint64_t SimulatedInputEvents::absoluteTime() {
+  return 1;
+}
+
+std::optional<Point> SimulatedInputEvents::mouseLocation() {
+  return std::nullopt;
+}
+
+bool SimulatedInputEvents::moveMouse(Point /*to*/) {
+  return false;
+}
+
+bool SimulatedInputEvents::pressMouse() {
+  return false;
+}
+
+bool SimulatedInputEvents::releaseMouse() {
+  return false;
+}
+
+}  // namespace tessaspaces

@@ -5,6 +5,13 @@
 add_library(tessaspaces_options INTERFACE)
 target_compile_options(tessaspaces_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual)
+if(TESSASPACES_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "TESSASPACES_FUZZ needs clang: -DCMAKE_CXX_COMPILER=clang++")
+  endif()
+  # All code counts its own coverage; the programs themselves add libFuzzer's main.
+  set(TESSASPACES_SANITIZE fuzzer-no-link address undefined)
+endif()
 if(TESSASPACES_SANITIZE)
   string(REPLACE ";" "," _sanitizers "${TESSASPACES_SANITIZE}")
   target_compile_options(tessaspaces_options INTERFACE

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -20,39 +17,11 @@
 #include "settings/ConfigStore.h"
 #include "settings/L10n.h"
 #include "settings/Log.h"
+#include "support/TemporaryFolder.h"
 
 namespace tessaspaces::testing {
 
 namespace fs = std::filesystem;
-
-/// A folder of this test's own, gone with it.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "tessaspaces-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) fatal("no temporary folder");
-    path_ = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  [[nodiscard]] const fs::path& path() const { return path_; }
-  [[nodiscard]] fs::path operator/(std::string_view name) const { return path_ / name; }
-
-  [[nodiscard]] std::vector<std::string> names() const {
-    std::vector<std::string> found;
-    for (const auto& entry : fs::directory_iterator(path_)) found.push_back(entry.path().filename().string());
-    std::sort(found.begin(), found.end());
-    return found;
-  }
-
- private:
-  fs::path path_;
-};
 
 inline void writeText(const fs::path& file, std::string_view text) {
   std::ofstream(file, std::ios::binary) << text;

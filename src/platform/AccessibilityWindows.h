@@ -16,14 +16,18 @@ namespace tessaspaces {
 class AccessibilityWindow {
  public:
   virtual ~AccessibilityWindow() = default;
-  /// With its decorations.
+  /// With its decorations, as the window list has it.
   virtual std::optional<Rect> frame() = 0;
   virtual std::optional<std::string> title() = 0;
-  /// The part of the frame by which a user drags the window; absent when it has none.
+  /// The strip above its content by which a user drags the window, buttons included; absent when it has none.
   virtual std::optional<Rect> titleBar() = 0;
-  /// Brings it in front of the other windows of its desktop and gives it the focus. True: asked for.
+  /// Whether a click there would meet this window or its decorations: it is on screen, and nothing lies over it.
+  virtual bool isAt(Point point) = 0;
+  /// Brings it in front of the other windows of its desktop and gives it the focus; where its desktop is not shown
+  /// the user may be taken there. True: asked for.
   virtual bool raise() = 0;
-  /// Moves and sizes it so that its frame lies there; applications may keep to sizes of their own. True: asked for.
+  /// Moves and sizes it so that its frame lies there; a maximised or full-screen window gives that up. Applications may
+  /// keep to sizes of their own, tiling window managers to their layout. True: asked for.
   virtual bool place(const Rect& frame) = 0;
 };
 

@@ -25,6 +25,15 @@ class InputEvent {
   [[nodiscard]] virtual std::vector<std::uint8_t> serialized() const = 0;
 };
 
+/// What is held down at one moment, by a hand or by a program.
+struct HeldInput {
+  /// Any mouse button.
+  bool button = false;
+  /// Any of shift, control, option and command; not the locks.
+  bool modifier = false;
+  friend bool operator==(const HeldInput&, const HeldInput&) = default;
+};
+
 /// Events and mouse actions that the program makes itself. Any thread.
 class InputEvents {
  public:
@@ -43,10 +52,13 @@ class InputEvents {
   // The mouse, in global coordinates with the origin at the top left of the primary display, y downwards.
   /// Absent when the system does not say.
   virtual std::optional<Point> mouseLocation() = 0;
-  // False when the system does not take such actions; true once it has done this one.
+  /// Absent when the system does not say.
+  virtual std::optional<HeldInput> held() = 0;
+  // False when the system does not take such actions; true once it has done this one. A press that is still held is
+  // released when the platform ends.
   virtual bool moveMouse(Point to) = 0;
   virtual bool pressMouse() = 0;    // the first button
-  virtual bool releaseMouse() = 0;  // a release without a press does nothing
+  virtual bool releaseMouse() = 0;  // a release without a press does nothing; a button that a hand holds stays down
 };
 
 }  // namespace tessaspaces

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/AccessibilityWindows.h"
+#include "platform/Session.h"
 #include "platform/simulated/SimulatedWorld.h"
 
 namespace tessaspaces {
@@ -8,11 +9,12 @@ namespace tessaspaces {
 /// The windows of a simulated world, one by one.
 class SimulatedAccessibility final : public AccessibilityWindows {
  public:
-  explicit SimulatedAccessibility(SimulatedWorld& world) : world_(world) {}
+  SimulatedAccessibility(SimulatedWorld& world, Permissions& permissions) : world_(world), permissions_(permissions) {}
   std::unique_ptr<AccessibilityWindow> find(std::int32_t pid, WindowID window) override;
 
  private:
   SimulatedWorld& world_;
+  Permissions& permissions_;
 };
 
 }  // namespace tessaspaces

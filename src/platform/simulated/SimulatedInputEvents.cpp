@@ -17,20 +17,4 @@ std::uint64_t SimulatedInputEvents::absoluteTime() {
   return 1;
 }
 
-std::optional<Point> SimulatedInputEvents::mouseLocation() {
-  return std::nullopt;
-}
-
-bool SimulatedInputEvents::moveMouse(Point /*to*/) {
-  return false;
-}
-
-bool SimulatedInputEvents::pressMouse() {
-  return false;
-}
-
-bool SimulatedInputEvents::releaseMouse() {
-  return false;
-}
-
 }  // namespace tessaspaces

@@ -16,11 +16,14 @@ class SimulatedInputEvents final : public InputEvents {
   std::uint64_t absoluteTime() override;
 
   std::optional<Point> mouseLocation() override;
+  std::optional<HeldInput> held() override;
   bool moveMouse(Point to) override;
   bool pressMouse() override;
   bool releaseMouse() override;
 
  private:
+  bool act(Operation operation, const std::string& arguments, std::function<void(WorldState&)> effect);
+
   SimulatedWorld& world_;
 };
 

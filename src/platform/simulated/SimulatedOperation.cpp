@@ -33,6 +33,18 @@ std::string_view operationName(Operation operation) {
     case Operation::unregisterHotKey: return "unregisterHotKey";
     case Operation::setLoginItem: return "setLoginItem";
     case Operation::requestPermission: return "requestPermission";
+    case Operation::findWindow: return "findWindow";
+    case Operation::windowFrame: return "windowFrame";
+    case Operation::windowTitle: return "windowTitle";
+    case Operation::windowTitleBar: return "windowTitleBar";
+    case Operation::windowIsAt: return "windowIsAt";
+    case Operation::raiseWindow: return "raiseWindow";
+    case Operation::placeWindow: return "placeWindow";
+    case Operation::mouseLocation: return "mouseLocation";
+    case Operation::heldInput: return "heldInput";
+    case Operation::moveMouse: return "moveMouse";
+    case Operation::pressMouse: return "pressMouse";
+    case Operation::releaseMouse: return "releaseMouse";
   }
   return "?";
 }

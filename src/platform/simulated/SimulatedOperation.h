@@ -41,8 +41,24 @@ enum class Operation {
   activate,
   registerHotKey,
   unregisterHotKey,
+  createEvent,
+  recreateEvent,
+  postEvent,
+  swipe,
   setLoginItem,
   requestPermission,
+  findWindow,
+  windowFrame,
+  windowTitle,
+  windowTitleBar,
+  windowIsAt,
+  raiseWindow,
+  placeWindow,
+  mouseLocation,
+  heldInput,
+  moveMouse,
+  pressMouse,
+  releaseMouse,
 };
 
 /// The enumerator's own name.
@@ -52,14 +68,22 @@ enum class Operation {
 struct SimulatedFaults {
   /// Queries that get no answer: absent, 0, or an empty list, whatever the operation has for that.
   std::set<Operation> unanswered;
-  /// Bridged operations (`bridged...`) that this system does not offer: performBridged returns false.
+  /// Operations that this system does not offer: performBridged (`bridged...`) and the mouse actions return false.
   std::set<Operation> unavailable;
-  /// Requests that are accepted and then have no effect (switches, moves, activation).
+  /// Requests that are accepted and then have no effect (switches, moves, activation, the mouse).
   std::set<Operation> ignored;
   /// Requests whose effect comes later: switches, moves, activation.
   std::map<Operation, Duration> delayed;
   /// Switches that end on another space than the one asked for.
   std::map<Operation, SpaceID> landsOn;
+  /// The system drags a display back to a space some time after a swipe has arrived there, so many times. A swipe
+  /// that comes before that has happened brings no other.
+  struct Yank {
+    SpaceID space = 0;
+    Duration after{};
+    int times = 0;
+  };
+  Yank yank;
   /// Why launch at login cannot be changed; absent: it can.
   std::optional<std::string> loginItemFailure;
 

@@ -55,12 +55,12 @@ struct SimulatedPlatform::Parts {
   SimulatedWindowList windowList{world};
   SimulatedScreens screens{world};
   SimulatedApplications applications{world};
-  SimulatedAccessibility accessibility{world};
+  SimulatedPermissions permissions{world};
+  SimulatedAccessibility accessibility{world, permissions};
   SimulatedInputEvents inputEvents{world};
   SimulatedHotKeys hotKeys{world};
   SimulatedPreferences preferences;
   SimulatedLoginItem loginItem{world};
-  SimulatedPermissions permissions{world};
 
   std::mutex lock;  // guards the two below
   OperatingSystemVersion version{27, 0};

@@ -123,7 +123,14 @@ void removeSpace(WorldState& state, SpaceID space) {
 void show(WorldState& state, SpaceID space) {
   auto* display = state.displayOf(space);
   if (!display || display->current == space) return;
-  display->current = space;
+  const auto left = std::exchange(display->current, space);
+  if (auto* dragged = state.drag && state.drag->start ? state.window(state.drag->window) : nullptr) {
+    if (state.carriesDraggedWindow && !dragged->sticky && dragged->isOn(left)) {
+      dragged->spaces = {space};
+      return focus(state, dragged->id);
+    }
+    state.drag.reset();
+  }
   const auto front = std::find_if(state.windows.begin(), state.windows.end(), [&](const auto& window) {
     return canHaveFocus(window) && !window.sticky && window.isOn(space);
   });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -31,6 +32,21 @@ void removeFromSpaces(WorldState& state, std::span<const WindowID> windows, std:
 void focus(WorldState& state, WindowID window);
 /// Focuses the application's front window; without windows it is just frontmost.
 void activate(WorldState& state, std::int32_t pid);
+
+/// The strip at a window's top by which it is dragged: 22 points, ordinary windows (layer 0) only.
+std::optional<Rect> titleBar(const SimulatedWindow& window);
+/// The foremost visible window there, `point` from the top left; null when there is none.
+const SimulatedWindow* windowAt(const WorldState& state, Point point);
+/// Moves and sizes it; its space stays.
+void setBounds(WorldState& state, WindowID window, const Rect& bounds);
+
+// The mouse. Points from the top left of the first display; the pointer stays on the displays.
+Point pointerFromTop(const WorldState& state);
+/// Also drags along what was pressed, once the pointer is some points from there.
+void movePointer(WorldState& state, Point to);
+/// On a title bar also starts a drag.
+void press(WorldState& state);
+void release(WorldState& state);
 
 /// Takes the focus from a window that went or is hidden now, and gives it to the front visible one.
 void settleFocus(WorldState& state);

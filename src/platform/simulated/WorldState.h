@@ -66,6 +66,15 @@ struct SimulatedApplication {
   ImageRef icon;
 };
 
+/// A press on a title bar that has not been let go yet.
+struct SimulatedDrag {
+  WindowID window = 0;
+  /// Where the pointer was at the press, bottom-left origin.
+  Point from;
+  /// The window's top left then; absent until the pointer has moved far enough for a drag.
+  std::optional<Point> start;
+};
+
 /// All that the window server knows: a plain value.
 struct WorldState {
   /// Absent when no window manager runs.
@@ -79,6 +88,14 @@ struct WorldState {
   std::optional<WindowID> focused;
   /// Bottom-left origin.
   Point pointer;
+  /// The program holds the first mouse button.
+  bool mousePressed = false;
+  /// What the user's own hands hold.
+  bool userHoldsButton = false;
+  bool userHoldsModifier = false;
+  std::optional<SimulatedDrag> drag;
+  /// A window that is being dragged comes along when another space is shown.
+  bool carriesDraggedWindow = true;
   std::map<std::int32_t, SpaceID> compatibilityIDs;
 
   // The numbers that the next ones get; windows count from 101, so that no test mistakes one for a space.

@@ -93,7 +93,7 @@ void SimulatedWorld::request(Operation operation, std::string_view arguments, st
     if (delayed != faults_.delayed.end()) delay = delayed->second;
   }
   if (!delay) return edit(effect);
-  later_(*delay, [this, effect = std::move(effect)] { edit(effect); });
+  editLater(*delay, std::move(effect));
 }
 
 std::shared_ptr<const WorldState> SimulatedWorld::view() const {

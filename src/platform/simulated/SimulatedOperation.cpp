@@ -31,6 +31,10 @@ std::string_view operationName(Operation operation) {
     case Operation::activate: return "activate";
     case Operation::registerHotKey: return "registerHotKey";
     case Operation::unregisterHotKey: return "unregisterHotKey";
+    case Operation::createEvent: return "createEvent";
+    case Operation::recreateEvent: return "recreateEvent";
+    case Operation::postEvent: return "postEvent";
+    case Operation::swipe: return "swipe";
     case Operation::setLoginItem: return "setLoginItem";
     case Operation::requestPermission: return "requestPermission";
     case Operation::findWindow: return "findWindow";

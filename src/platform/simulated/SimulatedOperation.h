@@ -72,7 +72,7 @@ struct SimulatedFaults {
   std::set<Operation> unavailable;
   /// Requests that are accepted and then have no effect (switches, moves, activation, the mouse).
   std::set<Operation> ignored;
-  /// Requests whose effect comes later: switches, moves, activation.
+  /// Requests whose effect comes later: switches, moves, activation, swipes.
   std::map<Operation, Duration> delayed;
   /// Switches that end on another space than the one asked for.
   std::map<Operation, SpaceID> landsOn;

@@ -57,9 +57,9 @@ struct SimulatedPlatform::Parts {
   SimulatedApplications applications{world};
   SimulatedPermissions permissions{world};
   SimulatedAccessibility accessibility{world, permissions};
-  SimulatedInputEvents inputEvents{world};
-  SimulatedHotKeys hotKeys{world};
   SimulatedPreferences preferences;
+  SimulatedInputEvents inputEvents{world, preferences};
+  SimulatedHotKeys hotKeys{world};
   SimulatedLoginItem loginItem{world};
 
   std::mutex lock;  // guards the two below

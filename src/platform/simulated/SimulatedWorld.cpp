@@ -164,6 +164,10 @@ void SimulatedWorld::edit(const std::function<void(WorldState&)>& change) {
   if (before->windowManager != after->windowManager) announce(WorldEvent::windowManager);
 }
 
+void SimulatedWorld::editLater(Duration delay, std::function<void(WorldState&)> change) {
+  later_(delay, [this, change = std::move(change)] { edit(change); });
+}
+
 std::shared_ptr<const WorldState> SimulatedWorld::state() const {
   const std::lock_guard guard(lock_);
   return state_;

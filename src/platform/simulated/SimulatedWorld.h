@@ -118,6 +118,8 @@ class SimulatedWorld {
 
   /// Changes anything at all, in one step, and announces what differs afterwards. `change` does not call the world.
   void edit(const std::function<void(WorldState&)>& change);
+  /// The same once `delay` has passed.
+  void editLater(Duration delay, std::function<void(WorldState&)> change);
   /// What there is now; stays as it is while the world goes on.
   [[nodiscard]] std::shared_ptr<const WorldState> state() const;
 
@@ -144,6 +146,7 @@ class SimulatedWorld {
   [[nodiscard]] std::shared_ptr<const WorldState> view() const;
   [[nodiscard]] std::unique_ptr<ReadScope> openReadScope();
   [[nodiscard]] SimulatedFaults faults() const;
+  [[nodiscard]] TimePoint now() const { return dispatch_.now(); }
   /// Told on the main thread of what happened. Set once, before anything happens.
   void setObserver(std::function<void(WorldEvent)> observer) { observer_ = std::move(observer); }
 

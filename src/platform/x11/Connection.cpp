@@ -138,6 +138,12 @@ xcb_timestamp_t Connection::askTime() {
 
 void Connection::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
                             std::uint32_t mask) {
+  queueToRoot(window, type, data, mask);
+  requests_.flush();
+}
+
+void Connection::queueToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
+                             std::uint32_t mask) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
@@ -145,7 +151,6 @@ void Connection::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializ
   message.type = type;
   std::copy_n(data.begin(), std::min<std::size_t>(data.size(), 5), message.data.data32);
   requests_.send<xcb_send_event>(std::uint8_t{0}, root(), mask, reinterpret_cast<const char*>(&message));
-  requests_.flush();
 }
 
 void Connection::drainRequests() {

@@ -47,6 +47,9 @@ class Connection {
   /// and flushes. Any thread.
   void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
                   std::uint32_t mask = toManager);
+  /// The same for one of several messages that belong together: the next flush sends it. Any thread.
+  void queueToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<std::uint32_t> data,
+                   std::uint32_t mask = toManager);
 
   /// Takes the errors of requests without reply off the request connection. Any thread.
   void drainRequests();

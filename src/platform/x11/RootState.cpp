@@ -11,7 +11,7 @@ namespace {
 // More desktops than this are a broken property, not a wish.
 constexpr std::uint32_t maxDesktops = 1024;
 
-constexpr std::string_view renumberingManager = "i3";
+constexpr std::string_view i3Name = "i3";
 
 /// The FNV-1a hash of the name, out of the way of numbers.
 SpaceID spaceNamed(std::string_view name) {
@@ -54,10 +54,14 @@ std::optional<std::uint32_t> RootState::desktopOf(SpaceID space) const {
   return static_cast<std::uint32_t>(found - spaces.begin());
 }
 
+bool RootState::isI3() const {
+  return managerName == i3Name;
+}
+
 std::vector<SpaceID> numberSpaces(std::string_view managerName, std::uint32_t desktopCount,
                                   std::span<const std::string> names) {
   std::vector<SpaceID> spaces;
-  if (managerName == renumberingManager && names.size() >= desktopCount) {
+  if (managerName == i3Name && names.size() >= desktopCount) {
     for (const auto& name : names.first(desktopCount)) spaces.push_back(spaceNamed(name));
     const std::set<SpaceID> distinct(spaces.begin(), spaces.end());
     if (distinct.size() == spaces.size()) return spaces;

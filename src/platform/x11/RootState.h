@@ -43,6 +43,8 @@ struct RootState {
   /// Absent for a space that is not there.
   [[nodiscard]] std::optional<std::uint32_t> desktopOf(SpaceID space) const;
 
+  /// The window manager is i3, whose desktops are its workspaces: those with windows and those that are shown.
+  [[nodiscard]] bool isI3() const;
   /// A window manager that understands desktops is running.
   [[nodiscard]] bool managed() const { return checkWindow != XCB_NONE && desktopCount > 0; }
 };

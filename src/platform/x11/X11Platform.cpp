@@ -45,7 +45,8 @@ struct X11Platform::Parts {
   Reader reader{*connection};
   X11Screens screens{*connection, reader};
   PagerLayout pagerLayout{*connection, pump};
-  X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout};
+  DesktopCount desktopCount{*connection, reader, dispatch};
+  X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout, desktopCount};
   X11WindowList windowList{reader, windowServer};
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};

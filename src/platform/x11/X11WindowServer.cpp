@@ -178,6 +178,24 @@ bool X11WindowServer::performBridged(const BridgedOperation& operation) {
                     operation);
 }
 
+bool X11WindowServer::addSpace(std::string_view display) {
+  const auto area = countableArea(display);
+  return area && desktopCount_.add(*area);
+}
+
+bool X11WindowServer::removeSpace(std::string_view display, SpaceID space) {
+  const auto area = countableArea(display);
+  return area && desktopCount_.remove(*area, space);
+}
+
+std::optional<PixelRect> X11WindowServer::countableArea(std::string_view display) {
+  const auto view = this->view();
+  const auto monitor = view.layout->find(display);
+  // The number says nothing of a monitor: one that has desktops of its own might not be the one that loses one.
+  if (!monitor || (view.map.perMonitor && !view.root->isI3())) return std::nullopt;
+  return view.layout->monitors[*monitor].area;
+}
+
 std::optional<std::string> X11WindowServer::windowManagerName() {
   const auto root = reader_.root(RootDetail::desktops);
   if (!root->managed()) return std::nullopt;

@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "platform/WindowServer.h"
+#include "platform/x11/DesktopCount.h"
 #include "platform/x11/DesktopMap.h"
 #include "platform/x11/EventPump.h"
 #include "platform/x11/PagerLayout.h"
@@ -19,8 +20,13 @@ namespace tessaspaces {
 class X11WindowServer : public WindowServer {
  public:
   X11WindowServer(Connection& connection, Reader& reader, X11Screens& screens, const EventPump& pump,
-                  PagerLayout& pagerLayout)
-      : connection_(connection), reader_(reader), screens_(screens), pump_(pump), pagerLayout_(pagerLayout) {}
+                  PagerLayout& pagerLayout, DesktopCount& desktopCount)
+      : connection_(connection),
+        reader_(reader),
+        screens_(screens),
+        pump_(pump),
+        pagerLayout_(pagerLayout),
+        desktopCount_(desktopCount) {}
 
   std::int32_t mainConnectionID() override;
   std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() override;
@@ -38,6 +44,9 @@ class X11WindowServer : public WindowServer {
   /// One message switches: ShowSpaces and HideSpaces have nothing left to do. A space to hide may be gone by
   /// then, since i3 drops an empty one as soon as it is left.
   bool performBridged(const BridgedOperation& operation) override;
+  /// Where monitors share their desktops, all of them get one more and lose one. See DesktopCount.
+  bool addSpace(std::string_view display) override;
+  bool removeSpace(std::string_view display, SpaceID space) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override { return reader_.beginRead(); }
   std::optional<std::string> windowManagerName() override;
   void setDesktopLayout(int rows, int columns) override { pagerLayout_.advertise(rows, columns); }
@@ -64,6 +73,7 @@ class X11WindowServer : public WindowServer {
   /// The desktops as they are numbered now.
   Reader::Root numbering();
   bool areKnown(std::span<const SpaceID> spaces);
+  std::optional<PixelRect> countableArea(std::string_view display);
   bool switchTo(std::string_view display, SpaceID space);
   bool move(std::span<const WindowID> windows, SpaceID space);
 
@@ -72,6 +82,7 @@ class X11WindowServer : public WindowServer {
   X11Screens& screens_;
   const EventPump& pump_;
   PagerLayout& pagerLayout_;
+  DesktopCount& desktopCount_;
   VisibleDesktops visible_;
 
   std::mutex compatMutex_;  // guards compatIDs_

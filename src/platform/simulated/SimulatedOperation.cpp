@@ -19,6 +19,8 @@ std::string_view operationName(Operation operation) {
     case Operation::bridgedSetCurrentSpace: return "bridgedSetCurrentSpace";
     case Operation::bridgedHideSpaces: return "bridgedHideSpaces";
     case Operation::bridgedMoveWindows: return "bridgedMoveWindows";
+    case Operation::addSpace: return "addSpace";
+    case Operation::removeSpace: return "removeSpace";
     case Operation::beginRead: return "beginRead";
     case Operation::windowManagerName: return "windowManagerName";
     case Operation::setDesktopLayout: return "setDesktopLayout";

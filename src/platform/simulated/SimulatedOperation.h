@@ -29,6 +29,8 @@ enum class Operation {
   bridgedSetCurrentSpace,
   bridgedHideSpaces,
   bridgedMoveWindows,
+  addSpace,
+  removeSpace,
   beginRead,
   windowManagerName,
   setDesktopLayout,

@@ -212,6 +212,29 @@ bool SimulatedWindowServer::perform(const MoveWindowsToSpace& operation) {
   return known;
 }
 
+bool SimulatedWindowServer::addSpace(std::string_view display) {
+  if (!offers(Operation::addSpace, display)) return false;
+  const auto now = world_.state();
+  const bool known = now->windowManager && now->display(display);
+  world_.request(Operation::addSpace, display, [name = std::string(display)](WorldState& state) {
+    auto* found = state.display(name);
+    if (state.windowManager && found) rules::addSpace(state, *found, {});
+  });
+  return known;
+}
+
+bool SimulatedWindowServer::removeSpace(std::string_view display, SpaceID space) {
+  if (!offers(Operation::removeSpace, listed(display, space))) return false;
+  const auto canGo = [name = std::string(display), space](const WorldState& state) {
+    return displayHas(state, name, space) && state.display(name)->spaces.size() > 1;
+  };
+  const bool possible = canGo(*world_.state());
+  world_.request(Operation::removeSpace, listed(display, space), [canGo, space](WorldState& state) {
+    if (canGo(state)) rules::removeSpace(state, space);
+  });
+  return possible;
+}
+
 std::unique_ptr<ReadScope> SimulatedWindowServer::beginRead() {
   return world_.openReadScope();
 }

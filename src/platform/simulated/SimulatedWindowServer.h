@@ -23,6 +23,8 @@ class SimulatedWindowServer final : public WindowServer {
   std::int32_t spaceSetCompatID(SpaceID space, std::int32_t compatID) override;
   std::int32_t setWindowListWorkspace(std::span<const WindowID> windows, std::int32_t compatID) override;
   bool performBridged(const BridgedOperation& operation) override;
+  bool addSpace(std::string_view display) override;
+  bool removeSpace(std::string_view display, SpaceID space) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override;
   std::optional<std::string> windowManagerName() override;
   /// Logged, and without effect.

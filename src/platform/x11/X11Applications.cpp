@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/x11/Activation.h"
 #include "platform/x11/Properties.h"
 #include "platform/x11/Text.h"
 #include "platform/x11/WindowOwner.h"
@@ -10,7 +11,6 @@
 namespace tessaspaces {
 namespace {
 
-constexpr std::uint32_t fromPager = 2;
 constexpr int wantedIconSize = 64;
 constexpr std::uint32_t maxIconSide = 1024;
 constexpr std::uint32_t maxIconItems = 1 << 20;
@@ -102,16 +102,7 @@ ImageRef X11Applications::icon(std::int32_t pid) {
 bool X11Applications::activate(std::int32_t pid) {
   const auto window = frontWindow(pid);
   if (!window) return false;
-  // Asked for after the window manager's last focus change, or it takes this for an old request.
-  const auto time = connection_.askTime();
-  // Some window managers bring the window to the user rather than the user to the window.
-  const auto root = reader_.root(RootDetail::desktops);
-  const auto desktop = firstItem(connection_.requests().await<xcb_get_property_reply>(
-      askProperty(connection_.requests(), *window, connection_.atoms().netWmDesktop, 1)));
-  if (desktop && *desktop < root->desktopCount && root->current != desktop) {
-    connection_.sendToRoot(connection_.root(), connection_.atoms().netCurrentDesktop, {*desktop, time});
-  }
-  connection_.sendToRoot(*window, connection_.atoms().netActiveWindow, {fromPager, time, 0});
+  activateWindow(connection_, reader_, *window);
   return true;
 }
 

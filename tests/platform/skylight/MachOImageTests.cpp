@@ -74,6 +74,14 @@ TEST(MachOImage, DamageCostsNoMoreThanTheSymbol) {
   const auto number = [](std::size_t offset, std::uint32_t value) {
     return [=](MachO& image) { put(image.start, offset, value); };
   };
+  const auto oneMore = [](std::uint32_t kind, std::uint32_t length) {
+    return [=](MachO& image) {
+      put(image.start, MachO::commandCount, std::uint32_t{5});
+      image.start.resize(MachO::startSize + 8);
+      put(image.start, MachO::startSize, kind);
+      put(image.start, MachO::startSize + 4, length);
+    };
+  };
   const auto index = [](std::size_t symbol, std::uint32_t value) {
     return [=](MachO& image) { put(image.symbols, 16 * symbol, value); };
   };
@@ -88,7 +96,7 @@ TEST(MachOImage, DamageCostsNoMoreThanTheSymbol) {
     bool found;
   };
   const std::vector<Case> cases{
-      {"header cut off", cutStart(31), false},
+      {"header cut off", cutStart(MachO::commandCount + 3), false},
       {"no commands", cutStart(32), false},
       {"first command cut off", cutStart(39), false},
       {"last command cut off", cutStart(MachO::startSize - 1), false},
@@ -97,9 +105,10 @@ TEST(MachOImage, DamageCostsNoMoreThanTheSymbol) {
       {"more commands than there are", number(MachO::commandCount, 5), false},
       {"most commands", number(MachO::commandCount, huge), false},
       {"command without a length", number(MachO::odd + 4, 0), false},
-      {"command shorter than any", number(MachO::odd + 4, 7), false},
+      {"one more command", oneMore(0x80000001, 8), true},
+      {"one more, shorter than any", oneMore(0x80000001, 7), false},
+      {"one more, shorter than a segment", oneMore(0x19, 8), false},
       {"command longer than the image", number(MachO::odd + 4, huge), false},
-      {"segment shorter than a segment", number(MachO::text + 4, 48), false},
       {"symbol table command too short", number(MachO::table + 4, 8), false},
       {"no symbol table", number(MachO::table, 0x22), false},
       {"no such segment", number(MachO::linkEdit + 8, 0), false},

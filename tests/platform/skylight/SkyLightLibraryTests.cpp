@@ -254,7 +254,6 @@ TEST_F(SkyLightLibraryTest, AStepThatFailsHandsNothingOver) {
       {"no such initialiser", [&] { cls().methods.clear(); }},
       {"no instance", [&] { cls().makesInstances = false; }},
       {"an initialiser that fails", [&] { cls().methods["initWithSpaces:"] = code(initFails); }},
-      {"no values", [&] { values.makes = false; }},
   };
   const SpaceID space[] = {2};
   for (const auto& [what, fault] : cases) {
@@ -263,6 +262,12 @@ TEST_F(SkyLightLibraryTest, AStepThatFailsHandsNothingOver) {
     EXPECT_FALSE(library.showSpaces(space));
     runtime.add(show, "initWithSpaces:", code(initWithSpaces));
   }
+
+  const WindowID window[] = {3};
+  values.makes = false;
+  EXPECT_FALSE(library.showSpaces(space));
+  EXPECT_FALSE(library.setCurrentSpace("left", 2));
+  EXPECT_FALSE(library.moveWindows(window, 2));
   values.makes = true;
 
   loader.images.clear();

@@ -154,9 +154,13 @@ void KeyHolder::letGo(KeyCombo combo) {
 }
 
 bool KeyHolder::isTaken(KeyCombo combo) {
-  if (!hold(combo)) return true;
-  letGo(combo);
-  return false;
+  // Nobody who takes it at this very moment finds it taken by the question.
+  xcb_grab_server(x_.get());
+  const bool free = hold(combo);
+  if (free) letGo(combo);
+  xcb_ungrab_server(x_.get());
+  x_.roundTrip();
+  return !free;
 }
 
 }  // namespace tessaspaces::harness

@@ -65,7 +65,7 @@ class KeyHolder {
   /// Grabs the combo; false when somebody else has it already. Held until `letGo` or this object's end.
   bool hold(KeyCombo combo);
   void letGo(KeyCombo combo);
-  /// Whether somebody else holds it, left as found.
+  /// Whether somebody else holds it, left as found; gets in nobody's way.
   [[nodiscard]] bool isTaken(KeyCombo combo);
 
  private:

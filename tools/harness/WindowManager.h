@@ -17,7 +17,8 @@ enum class Manager { none, openbox, xfwm4, i3, icewm, metacity };
 [[nodiscard]] std::optional<Manager> managerNamed(std::string_view name);
 
 /// Whether the window manager gets key bindings of its own: none leaves every key to the program under test,
-/// `direct` binds command + 1 ... 4 to desktops 1 ... 4.
+/// `direct` binds command + 1 ... 4 to desktops 1 ... 4, and the same with shift to taking the focused window there
+/// (some window managers then show that desktop too).
 enum class OwnBindings { none, direct };
 
 struct WindowManagerOptions {

@@ -12,6 +12,9 @@ Launch openbox(const XServer& server, const WindowManagerOptions& options) {
   if (options.bindings == OwnBindings::direct) {
     for (int n = 1; n <= boundDesktops; ++n) {
       keys += fmt::format("<keybind key='W-{0}'><action name='GoToDesktop'><to>{0}</to></action></keybind>\n", n);
+      keys += fmt::format(
+          "<keybind key='W-S-{0}'><action name='SendToDesktop'><to>{0}</to><follow>no</follow></action></keybind>\n",
+          n);
     }
   }
   // An empty list of keys would bring the built-in ones back, so that there is always one, out of the way.
@@ -36,6 +39,8 @@ Launch xfwm4(const XServer& server, const WindowManagerOptions& options) {
   if (options.bindings == OwnBindings::direct) {
     for (int n = 1; n <= boundDesktops; ++n) {
       keys += fmt::format(R"(<property name="&lt;Super&gt;{0}" type="string" value="workspace_{0}_key"/>)", n);
+      keys += fmt::format(
+          R"(<property name="&lt;Shift&gt;&lt;Super&gt;{0}" type="string" value="move_window_workspace_{0}_key"/>)", n);
     }
   }
   const auto folder = server.home() / ".config/xfce4/xfconf/xfce-perchannel-xml";
@@ -67,7 +72,10 @@ Launch i3(const XServer& server, const WindowManagerOptions& options) {
     text += fmt::format("assign [window_role=\"^desktop-{0}$\"] workspace number {0}\n", n);
   }
   if (options.bindings == OwnBindings::direct) {
-    for (int n = 1; n <= boundDesktops; ++n) text += fmt::format("bindsym Mod4+{0} workspace number {0}\n", n);
+    for (int n = 1; n <= boundDesktops; ++n) {
+      text += fmt::format("bindsym Mod4+{0} workspace number {0}\n", n);
+      text += fmt::format("bindsym Mod4+Shift+{0} move container to workspace number {0}\n", n);
+    }
   }
   const auto file = server.home() / ".config/i3/config";
   writeFile(file, text);
@@ -85,9 +93,9 @@ Launch icewm(const XServer& server, const WindowManagerOptions& options) {
     preferences += fmt::format("KeySys{}=\"\"\n", key);
   }
   for (int n = 1; n <= 12; ++n) {
-    preferences +=
-        fmt::format("KeySysWorkspace{0}=\"{1}\"\nKeySysWorkspace{0}TakeWin=\"\"\n", n,
-                    options.bindings == OwnBindings::direct && n <= boundDesktops ? fmt::format("Super+{}", n) : "");
+    const bool bound = options.bindings == OwnBindings::direct && n <= boundDesktops;
+    preferences += fmt::format("KeySysWorkspace{0}=\"{1}\"\nKeySysWorkspace{0}TakeWin=\"{2}\"\n", n,
+                               bound ? fmt::format("Super+{}", n) : "", bound ? fmt::format("Super+Shift+{}", n) : "");
   }
   writeFile(folder / "preferences", preferences);
   writeFile(folder / "keys", "");
@@ -102,7 +110,7 @@ Launch metacity(const XServer& server, const WindowManagerOptions& options) {
   for (const char* key : {"switch-panels", "switch-panels-backward", "activate-window-menu"})
     text += fmt::format("{}=@as []\n", key);
   for (int n = 1; n <= boundDesktops && options.bindings == OwnBindings::direct; ++n) {
-    text += fmt::format("switch-to-workspace-{0}=['<Super>{0}']\n", n);
+    text += fmt::format("switch-to-workspace-{0}=['<Super>{0}']\nmove-to-workspace-{0}=['<Super><Shift>{0}']\n", n);
   }
   text += fmt::format("[org/gnome/desktop/wm/preferences]\nnum-workspaces={}\n", options.desktops);
   text += "[org/gnome/mutter]\ndynamic-workspaces=false\n";

@@ -73,7 +73,7 @@ class WindowServer {
   virtual std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() = 0;
   /// The space that the display shows now, asked afresh but within a ReadScope; 0 when unknown.
   virtual SpaceID managedDisplayGetCurrentSpace(std::string_view display) = 0;
-  /// Asks for the display to show the space, by the crudest way there is.
+  /// Makes the display show the space, by the crudest way there is. It does when this returns, or never will by this.
   virtual void managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) = 0;
   /// The windows on one space, front to back; sticky windows are on every space.
   virtual std::optional<std::vector<WindowID>> copyWindowsOnSpace(SpaceID space) = 0;

@@ -11,11 +11,11 @@
 
 namespace tessaspaces {
 
-/// One message of a pager to the window manager, or a wait for what came of one.
+/// One message of a pager to the window manager.
 struct PagerMessage {
-  enum class Kind { moveWindow, awaitMove, showDesktop, setCount };
+  enum class Kind { moveWindow, showDesktop, setCount };
   Kind kind = Kind::moveWindow;
-  /// Of the first two kinds only.
+  /// Of moveWindow only.
   xcb_window_t window = XCB_NONE;
   /// The desktop, `allDesktops` for every one; the number of desktops.
   std::uint32_t value = 0;

@@ -46,7 +46,7 @@ struct X11Platform::Parts {
   X11Screens screens{*connection, reader};
   PagerLayout pagerLayout{*connection, pump};
   DesktopCount desktopCount{*connection, reader, dispatch};
-  X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout, desktopCount};
+  X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout, desktopCount, dispatch};
   X11WindowList windowList{reader, windowServer};
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};

@@ -1,6 +1,7 @@
 #include "platform/x11/X11WindowServer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <set>
 
 #include "platform/x11/Properties.h"
@@ -12,6 +13,10 @@ namespace {
 constexpr std::uint32_t fromPager = 2;
 constexpr std::uint32_t removeState = 0;
 constexpr std::int32_t badValue = XCB_VALUE;
+
+// How long a window manager may take over the raw request before it counts as ignored.
+constexpr int obedienceLooks = 20;
+constexpr auto obedienceInterval = std::chrono::milliseconds(5);
 
 std::vector<DesktopWindow> desktopWindows(const std::vector<WindowRecord>& records) {
   std::vector<DesktopWindow> windows;
@@ -94,7 +99,10 @@ SpaceID X11WindowServer::managedDisplayGetCurrentSpace(std::string_view display)
 }
 
 void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {
-  switchTo(display, space);
+  if (!switchTo(display, space)) return;
+  for (int look = 0; look < obedienceLooks && managedDisplayGetCurrentSpace(display) != space; ++look) {
+    dispatch_.sleep(obedienceInterval);
+  }
 }
 
 std::optional<std::vector<WindowID>> X11WindowServer::copyWindowsOnSpace(SpaceID space) {

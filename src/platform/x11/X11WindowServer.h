@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 
+#include "platform/Dispatch.h"
 #include "platform/WindowServer.h"
 #include "platform/x11/DesktopCount.h"
 #include "platform/x11/DesktopMap.h"
@@ -20,17 +21,19 @@ namespace tessaspaces {
 class X11WindowServer : public WindowServer {
  public:
   X11WindowServer(Connection& connection, Reader& reader, X11Screens& screens, const EventPump& pump,
-                  PagerLayout& pagerLayout, DesktopCount& desktopCount)
+                  PagerLayout& pagerLayout, DesktopCount& desktopCount, Dispatch& dispatch)
       : connection_(connection),
         reader_(reader),
         screens_(screens),
         pump_(pump),
         pagerLayout_(pagerLayout),
-        desktopCount_(desktopCount) {}
+        desktopCount_(desktopCount),
+        dispatch_(dispatch) {}
 
   std::int32_t mainConnectionID() override;
   std::optional<std::vector<ManagedDisplay>> copyManagedDisplaySpaces() override;
   SpaceID managedDisplayGetCurrentSpace(std::string_view display) override;
+  /// Waits up to 0.1 s for the window manager to obey.
   void managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) override;
   std::optional<std::vector<WindowID>> copyWindowsOnSpace(SpaceID space) override;
   std::optional<std::vector<SpaceID>> copySpacesForWindows(int mask, std::span<const WindowID> windows) override;
@@ -83,6 +86,7 @@ class X11WindowServer : public WindowServer {
   const EventPump& pump_;
   PagerLayout& pagerLayout_;
   DesktopCount& desktopCount_;
+  Dispatch& dispatch_;
   VisibleDesktops visible_;
 
   std::mutex compatMutex_;  // guards compatIDs_

@@ -1,9 +1,13 @@
 #include "model/HotkeyCommands.h"
 
 #include <atomic>
+#include <memory>
+#include <string>
 #include <utility>
 
+#include "bridges/YabaiBridge.h"
 #include "model/DisplayScreens.h"
+#include "model/DraggedMoves.h"
 #include "model/Snapshot.h"
 #include "model/WindowMoves.h"
 #include "platform/Platform.h"
@@ -13,8 +17,13 @@
 namespace tessaspaces::Spaces {
 namespace {
 
+/// Holds the questions of one command together; not where another program is asked in between, which takes its time.
+std::unique_ptr<ReadScope> beginCommand() {
+  return askYabaiFirst() ? nullptr : platform().windowServer().beginRead();
+}
+
 std::optional<HotkeyDisplay> desktopsForHotkey() {
-  const auto reading = platform().windowServer().beginRead();
+  const auto reading = beginCommand();
   const ScreenRef screen = screenWithCursor();
   const auto uuid = displayUUID(screen);
   if (!uuid) {
@@ -22,7 +31,9 @@ std::optional<HotkeyDisplay> desktopsForHotkey() {
     return std::nullopt;
   }
   HotkeyDisplay display{{}, screen, Settings::gridColumns(*uuid), Settings::gridRows(*uuid)};
-  for (auto& desktop : enumerate(WithWindows::no).desktops) {
+  // Windows are needed only where a switch may have to activate one of them.
+  const bool withWindows = askYabaiFirst() && YabaiBridge::isAvailable();
+  for (auto& desktop : enumerate(withWindows ? WithWindows::yes : WithWindows::no).desktops) {
     if (desktop->displayUUID == *uuid) display.snap.desktops.push_back(std::move(desktop));
   }
   return display;
@@ -65,6 +76,15 @@ bool stepTo(DesktopPlan& plan, GridDirection direction) {
   return true;
 }
 
+bool moveToTarget(const WindowMovePlan& plan) {
+  const auto& target = plan.desktop.target;
+  if (!movesWindowsNatively()) return YabaiBridge::moveFocusedWindow(target->spaceID);
+  if (move(plan.window->id, target->spaceID)) return true;
+  // It ignores every request: what is left is what a hand would do.
+  const auto& from = plan.desktop.display.snap.desktops[static_cast<std::size_t>(*plan.desktop.fromIndex)];
+  return dragAlong(*plan.window, from, target);
+}
+
 bool hotkeySwitch(const DesktopPlan& plan, std::optional<GridDirection> direction, SwitchCompletion completion) {
   if (plan.outcome != CommandOutcome::ready) return false;
   switchAnimated(plan.target, direction, std::move(completion));
@@ -85,7 +105,7 @@ DesktopPlan planSwitchToNeighbor(GridDirection direction) {
 }
 
 DesktopPlan planSwitchToDesktop(int number) {
-  const auto reading = platform().windowServer().beginRead();
+  const auto reading = beginCommand();
   DesktopPlan plan;
   auto display = desktopsForHotkey();
   if (!display) return plan;
@@ -115,6 +135,7 @@ WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
     plan.desktop.target = nullptr;
   };
   if (!movesWindowsNatively()) {
+    if (YabaiBridge::isAvailable()) return plan;
     Log::warning(
         "HOTKEY: move window requires yabai (macOS won't otherwise allow moving another app's window between Spaces)");
     refuse(CommandOutcome::unsupported);
@@ -129,9 +150,9 @@ WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
 }
 
 bool carryOut(const WindowMovePlan& plan) {
-  const bool moved = move(plan.window->id, plan.desktop.target->spaceID);
-  Log::info("HOTKEY: move window {} to desktop {} {}", plan.window->id, plan.desktop.toIndex + 1,
-            moved ? "OK" : "FAILED");
+  const bool moved = moveToTarget(plan);
+  Log::info("HOTKEY: move window {} to desktop {} {}", plan.window ? std::to_string(plan.window->id) : "with the focus",
+            plan.desktop.toIndex + 1, moved ? "OK" : "FAILED");
   return moved;
 }
 

@@ -25,7 +25,7 @@ enum class CommandOutcome {
   atGridEdge,        // nothing lies in that direction
   noSuchDesktop,     // the number is not one of the display's desktops
   noFocusedWindow,
-  unsupported,  // this system version does not let windows of others be moved without a helper
+  unsupported,  // this system version needs the external window manager for it, which does not answer
 };
 
 /// A command worked out but not carried out. `target` is set exactly when the outcome is `ready`.
@@ -43,6 +43,7 @@ DesktopPlan planSwitchToDesktop(int number);
 
 struct WindowMovePlan {
   DesktopPlan desktop;
+  /// Absent in a plan that is ready where the external window manager moves whichever window has the focus.
   std::optional<SpaceWindow> window;
 };
 

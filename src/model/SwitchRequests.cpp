@@ -12,7 +12,7 @@
 namespace tessaspaces::Spaces {
 namespace {
 
-struct Wish {
+struct LatestWish {
   std::uint64_t number = 0;
   SpaceID target = 0;
 };
@@ -21,7 +21,7 @@ struct Wishes {
   /// Guards all below.
   std::mutex lock;
   std::uint64_t last = 0;
-  std::map<std::string, Wish> latest;                       // by display
+  std::map<std::string, LatestWish> latest;                 // by display
   std::map<std::string, std::set<std::uint64_t>> underWay;  // by display
 };
 
@@ -32,37 +32,45 @@ Wishes& wishes() {
 
 }  // namespace
 
-SwitchRequest::SwitchRequest(std::string display, SpaceID target) : display_(std::move(display)), target_(target) {
+SwitchRequest::SwitchRequest(std::string display, SpaceID target) : wish_{std::move(display), target} {
   auto& all = wishes();
   const std::scoped_lock held(all.lock);
-  number_ = ++all.last;
-  all.latest[display_] = {number_, target_};
-  all.underWay[display_].insert(number_);
+  wish_.number = ++all.last;
+  all.latest[wish_.display] = {wish_.number, wish_.target};
+  all.underWay[wish_.display].insert(wish_.number);
 }
 
 SwitchRequest::~SwitchRequest() {
   auto& all = wishes();
   const std::scoped_lock held(all.lock);
-  all.underWay[display_].erase(number_);
+  all.underWay[wish_.display].erase(wish_.number);
 }
 
 std::optional<SwitchRequest::Successor> SwitchRequest::overtakenBy() const {
+  return successorOf(wish_);
+}
+
+std::function<bool()> SwitchRequest::overtaking() const {
+  return [wish = wish_] { return successorOf(wish).has_value(); };
+}
+
+std::optional<SwitchRequest::Successor> SwitchRequest::successorOf(const Wish& wish) {
   std::vector<std::pair<std::uint64_t, Successor>> later;
   {
     auto& all = wishes();
     const std::scoped_lock held(all.lock);
-    for (const auto& [display, wish] : all.latest) {
-      if (wish.number > number_) later.push_back({wish.number, {display, wish.target}});
+    for (const auto& [display, latest] : all.latest) {
+      if (latest.number > wish.number) later.push_back({latest.number, {display, latest.target}});
     }
   }
   std::sort(later.begin(), later.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
   for (auto& [number, successor] : later) {
     // Displays that share their desktops all change with one of them.
-    if (successor.display != display_) {
-      const auto mine = allSpaceIDs(display_);
+    if (successor.display != wish.display) {
+      const auto mine = allSpaceIDs(wish.display);
       if (std::find(mine.begin(), mine.end(), successor.target) == mine.end()) continue;
     }
-    if (successor.target == target_) return std::nullopt;
+    if (successor.target == wish.target) return std::nullopt;
     return std::move(successor);
   }
   return std::nullopt;
@@ -71,8 +79,8 @@ std::optional<SwitchRequest::Successor> SwitchRequest::overtakenBy() const {
 bool SwitchRequest::followsUnfinished() const {
   auto& all = wishes();
   const std::scoped_lock held(all.lock);
-  const auto& numbers = all.underWay[display_];
-  return !numbers.empty() && *numbers.begin() < number_;
+  const auto& numbers = all.underWay[wish_.display];
+  return !numbers.empty() && *numbers.begin() < wish_.number;
 }
 
 }  // namespace tessaspaces::Spaces

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,14 +26,21 @@ class SwitchRequest {
   /// The latest wish that is later than this one and wants something else of the same display, or of a display
   /// that shares its desktops.
   [[nodiscard]] std::optional<Successor> overtakenBy() const;
+  /// The same question as yes or no, to be asked even after this wish has ended.
+  [[nodiscard]] std::function<bool()> overtaking() const;
 
   /// Whether an earlier switch of the display has not ended yet: what it shows now will not last.
   [[nodiscard]] bool followsUnfinished() const;
 
  private:
-  const std::string display_;
-  const SpaceID target_;
-  std::uint64_t number_ = 0;
+  struct Wish {
+    std::string display;
+    SpaceID target = 0;
+    std::uint64_t number = 0;
+  };
+  static std::optional<Successor> successorOf(const Wish& wish);
+
+  Wish wish_;
 };
 
 }  // namespace tessaspaces::Spaces

@@ -1,12 +1,13 @@
 #include "model/Switching.h"
 
 #include <memory>
-#include <mutex>
+#include <span>
 #include <utility>
-#include <vector>
 
-#include "bridges/SkyLightBridge.h"
+#include "bridges/YabaiBridge.h"
+#include "model/LastSwitchMethod.h"
 #include "model/Snapshot.h"
+#include "model/SwitchMethods.h"
 #include "model/SwitchRequests.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
@@ -14,92 +15,17 @@
 namespace tessaspaces::Spaces {
 namespace {
 
-using namespace std::chrono_literals;
+using Rung = SwitchResult (*)(SwitchAttempt&);
+/// From the cleanest way to the crudest: on systems that offer their own operations, and on older ones.
+constexpr Rung nativeLadder[] = {switchBridged, switchByGesture, switchByActivation, switchDegraded};
+constexpr Rung ladder[] = {switchByYabai, switchByActivation, switchDegraded};
 
-// A bridged switch usually lands within a few milliseconds; half a second is past all hope.
-constexpr int bridgedPolls = 50;
-constexpr Duration bridgedPollInterval = 10ms;
-// The other methods take effect through another program, which needs a moment before the first look.
-constexpr int verifyPolls = 12;
-constexpr Duration verifyInterval = 40ms;
-
-struct LastMethod {
-  /// Guards `name`.
-  std::mutex lastSwitchMethodLock;
-  std::string name;
-};
-
-LastMethod& lastMethod() {
-  static LastMethod instance;
-  return instance;
-}
-
-void setLastSwitchMethod(std::string method) {
-  const std::scoped_lock held(lastMethod().lastSwitchMethodLock);
-  lastMethod().name = std::move(method);
-}
-
-bool verifySwitch(const DesktopInfo& target, const std::string& method, const SwitchRequest& request) {
-  SpaceID active = 0;
-  bool arrived = false;
-  for (int attempt = 0; attempt < verifyPolls && !arrived && !request.overtakenBy(); ++attempt) {
-    platform().dispatch().sleep(verifyInterval);
-    active = currentSpaceID(target.displayUUID);
-    arrived = active == target.spaceID;
+/// What the display shows, by the program that is asked first on this system.
+SpaceID activeSpace(const DesktopInfo& target) {
+  if (askYabaiFirst()) {
+    if (const auto focused = YabaiBridge::focusedSpaceID()) return *focused;
   }
-  Log::debug("SWITCH: method '{}' -> active={} target={} {}", method, active, target.spaceID,
-             arrived ? "OK" : "FAILED");
-  setLastSwitchMethod(method);
-  return arrived;
-}
-
-std::vector<SpaceID> allSpacesBut(SpaceID shown, const std::string& displayUUID) {
-  auto hiding = allSpaceIDs(displayUUID);
-  std::erase(hiding, shown);
-  return hiding;
-}
-
-bool switchBridged(const DesktopInfo& target, std::unique_ptr<ReadScope> reading, const SwitchRequest& request) {
-  const auto hiding = allSpacesBut(target.spaceID, target.displayUUID);
-  reading.reset();  // from here on the answers must be new ones
-  if (!SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding)) {
-    Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
-    return false;
-  }
-  if (const auto later = request.overtakenBy()) {
-    // This thread may have come to it behind the later switch's: the latest wish has the last word.
-    SLS::bridgedSwitchSpace(later->display, later->target, allSpacesBut(later->target, later->display));
-    return false;
-  }
-  for (int attempt = 0; attempt < bridgedPolls; ++attempt) {
-    if (currentSpaceID(target.displayUUID) == target.spaceID) return true;
-    if (request.overtakenBy()) return false;
-    platform().dispatch().sleep(bridgedPollInterval);
-  }
-  Log::warning("SWITCH: bridged switch to {} did not arrive, falling back to gesture", target.spaceID);
-  return false;
-}
-
-/// Activating an application makes the system show a desktop with a window of it.
-bool switchByActivation(const DesktopInfo& target, const SwitchRequest& request) {
-  if (target.windows.empty()) return false;
-  const auto application = platform().applications().running(target.windows.front().pid);
-  if (!application) return false;
-  Log::debug("SWITCH: trying to activate app '{}' (pid {}) which has a window on target", application->localizedName,
-             application->pid);
-  platform().dispatch().sync([pid = application->pid] { platform().applications().activate(pid); });
-  return verifySwitch(target, "aktivace aplikace", request);
-}
-
-bool switchDegraded(const DesktopInfo& target) {
-  SLS::managedDisplaySetCurrentSpace(target.displayUUID, target.spaceID);
-  const SpaceID active = currentSpaceID(target.displayUUID);
-  Log::warning(
-      "SWITCH: DEGRADED via raw SLS (active={}) — windows from the previous desktop may remain visible; yabai is "
-      "needed for a clean switch",
-      active);
-  setLastSwitchMethod("SLS (degraded)");
-  return active == target.spaceID;
+  return currentSpaceID(target.displayUUID);
 }
 
 bool giveWay(const DesktopInfo& target) {
@@ -107,30 +33,30 @@ bool giveWay(const DesktopInfo& target) {
   return false;
 }
 
-bool performSwitchTo(const DesktopInfo& target, const SwitchRequest& request) {
+bool performSwitchTo(const DesktopRef& desktop, const SwitchRequest& request) {
+  const auto& target = *desktop;
   if (request.overtakenBy()) return giveWay(target);
-  // What is asked before the first method answers from one batch of requests.
-  auto reading = platform().windowServer().beginRead();
-  const SpaceID active = currentSpaceID(target.displayUUID);
+  // What is asked before the first method answers from one batch of requests; another program's answer is no such.
+  auto reading = askYabaiFirst() ? nullptr : platform().windowServer().beginRead();
+  const SpaceID active = activeSpace(target);
   Log::debug("SWITCH: start active={} target={} windowsOnTarget={}", active, target.spaceID, target.windows.size());
   if (active == target.spaceID && !request.followsUnfinished()) {
     Log::debug("SWITCH: target already active, doing nothing");
     setLastSwitchMethod("no-op (already active)");
     return true;
   }
-  if (movesWindowsNatively() && switchBridged(target, std::exchange(reading, nullptr), request)) {
-    Log::debug("SWITCH: method 'bridged' -> active={} target={} OK", active, target.spaceID);
-    setLastSwitchMethod("bridged");
-    return true;
+  SwitchAttempt attempt{desktop, request, active, std::move(reading)};
+  for (const auto rung : movesWindowsNatively() ? std::span<const Rung>(nativeLadder) : std::span<const Rung>(ladder)) {
+    const auto result = rung(attempt);
+    if (result == SwitchResult::arrived) return true;
+    if (request.overtakenBy()) return giveWay(target);
+    if (result == SwitchResult::refused) return false;
   }
-  reading.reset();
-  if (request.overtakenBy()) return giveWay(target);
-  if (switchByActivation(target, request)) return true;
-  return request.overtakenBy() ? giveWay(target) : switchDegraded(target);
+  return false;
 }
 
 bool switchTo(const DesktopRef& desktop, const SwitchRequest& request) {
-  if (!performSwitchTo(*desktop, request)) return false;
+  if (!performSwitchTo(desktop, request)) return false;
   rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
   return true;
 }
@@ -158,11 +84,6 @@ void switchAnimated(const DesktopRef& desktop, std::optional<GridDirection> /*di
 
 void switchWithoutOverlay(const DesktopRef& desktop, SwitchCompletion completion) {
   switchToOffMainThread(desktop, std::move(completion));
-}
-
-std::string lastSwitchMethod() {
-  const std::scoped_lock held(lastMethod().lastSwitchMethodLock);
-  return lastMethod().name;
 }
 
 }  // namespace tessaspaces::Spaces

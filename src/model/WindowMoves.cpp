@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "bridges/SkyLightBridge.h"
+#include "bridges/YabaiBridge.h"
 #include "model/Snapshot.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
@@ -57,6 +58,10 @@ bool move(WindowID window, SpaceID toSpace) {
   }
   Log::error("MOVE FAILED [{}] -> space {} (likely SIP / newer macOS)", window, toSpace);
   return false;
+}
+
+bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {
+  return movesWindowsNatively() ? move(window, toSpace) : YabaiBridge::moveWindow(window, toSpace);
 }
 
 }  // namespace tessaspaces::Spaces

@@ -9,4 +9,8 @@ namespace tessaspaces::Spaces {
 /// belongs off the main thread.
 bool move(WindowID window, SpaceID toSpace);
 
+/// The same for a window of another application by whatever way this system has: where windows cannot be moved
+/// natively, through the external window manager.
+bool moveOtherAppWindow(WindowID window, SpaceID toSpace);
+
 }  // namespace tessaspaces::Spaces

@@ -98,6 +98,7 @@ TEST_F(Commands, CarryTheFocusedWindowAndStay) {
 
   world().focusWindow(Spaces::ids(1).at(0));
   world().editFaults([](SimulatedFaults& faults) { faults.ignoreMoveMethods(4); });
+  world().edit([](WorldState& state) { state.carriesDraggedWindow = false; });
   EXPECT_THAT(run([] { return Spaces::moveFocusedWindowToNeighbor(right); }), Contains(HasSubstr("FAILED")));
   EXPECT_THAT(run([] { return Spaces::moveFocusedWindowToNeighbor(down); }, false),
               ElementsAre("[DEBUG] HOTKEY: move window — at grid edge (down), doing nothing"));

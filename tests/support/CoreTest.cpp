@@ -10,7 +10,7 @@
 
 namespace tessaspaces {
 
-CoreTest::CoreTest() {
+LoggedTest::LoggedTest() {
   std::string pattern = (std::filesystem::temp_directory_path() / "tessaspaces-test-XXXXXX").string();
   folder = mkdtemp(pattern.data());
   ConfigStore::useDirectory(folder);
@@ -19,8 +19,7 @@ CoreTest::CoreTest() {
   Spaces::forgetEverything();
 }
 
-CoreTest::~CoreTest() {
-  setPlatform(nullptr);
+LoggedTest::~LoggedTest() {
   std::error_code ignored;
   std::filesystem::remove_all(folder, ignored);
 }
@@ -37,7 +36,7 @@ void CoreTest::start(std::string_view worldText, OperatingSystemVersion version)
   world().clearCalls();
 }
 
-std::vector<std::string> CoreTest::takeLog() {
+std::vector<std::string> LoggedTest::takeLog() {
   std::vector<std::string> lines;
   std::ifstream file(Log::fileURL());
   for (std::string line; std::getline(file, line);) {

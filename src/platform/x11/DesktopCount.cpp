@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "platform/x11/DesktopRemoval.h"
 #include "platform/x11/I3Workspaces.h"
 #include "platform/x11/Properties.h"
 
@@ -12,9 +11,11 @@ namespace {
 // "Source indication" of EWMH messages: a pager acts on the user's behalf and is obeyed.
 constexpr std::uint32_t fromPager = 2;
 
+// What only looks better is not worth a long wait.
+constexpr auto shortPatience = std::chrono::milliseconds(100);
 // Window managers need milliseconds, but some write the number down first and take it from there.
-constexpr auto patience = std::chrono::seconds(1);
-constexpr auto pollInterval = std::chrono::milliseconds(5);
+constexpr auto longPatience = std::chrono::seconds(1);
+constexpr auto pollInterval = std::chrono::milliseconds(2);
 
 /// The socket of the i3 that manages the windows.
 std::optional<I3Socket> openI3(Connection& connection) {
@@ -34,26 +35,6 @@ std::set<std::string> occupiedWorkspaces(const RootState& root, const std::vecto
     if (record.desktop && *record.desktop < root.names.size()) names.insert(root.names[*record.desktop]);
   }
   return names;
-}
-
-void send(Connection& connection, const PagerMessages& messages) {
-  const auto time = connection.timestamp();  // may have to ask the server: not between the messages
-  const auto& atoms = connection.atoms();
-  const auto root = connection.root();
-  for (const auto& message : messages) {
-    switch (message.kind) {
-      case PagerMessage::Kind::moveWindow:
-        connection.queueToRoot(message.window, atoms.netWmDesktop, {message.value, fromPager});
-        break;
-      case PagerMessage::Kind::showDesktop:
-        connection.queueToRoot(root, atoms.netCurrentDesktop, {message.value, time});
-        break;
-      case PagerMessage::Kind::setCount:
-        connection.queueToRoot(root, atoms.netNumberOfDesktops, {message.value});
-        break;
-    }
-  }
-  connection.requests().flush();
 }
 
 }  // namespace
@@ -103,13 +84,15 @@ bool DesktopCount::remove(const PixelRect& monitor, SpaceID space) {
 bool DesktopCount::removeBetween(const Reading& reading, std::uint32_t desktop) {
   const auto& root = *reading.root;
   const DesktopState before{root.desktopCount, root.current, *reading.windows};
-  send(connection_, planRemoval(before, desktop));
-  if (waitForCountBelow(root.desktopCount)) {
+  send(planRemoval(before, desktop));
+  const bool obeyed = waitFor(connection_.root(), connection_.atoms().netNumberOfDesktops, longPatience,
+                              [&](std::uint32_t count) { return count < root.desktopCount; });
+  if (obeyed) {
     removeName(desktop);
     return true;
   }
   ignoring_ = root.checkWindow;
-  send(connection_, planReturn(before, desktop));
+  send(planReturn(before, desktop));
   return false;
 }
 
@@ -126,14 +109,39 @@ void DesktopCount::removeName(std::uint32_t desktop) {
   channel.flush();
 }
 
-bool DesktopCount::waitForCountBelow(std::uint32_t count) {
+void DesktopCount::send(const PagerMessages& messages) {
+  const auto& atoms = connection_.atoms();
+  const auto root = connection_.root();
+  const auto time = connection_.timestamp();  // may have to ask the server: not between the messages
+  for (const auto& message : messages) {
+    switch (message.kind) {
+      case PagerMessage::Kind::moveWindow:
+        connection_.queueToRoot(message.window, atoms.netWmDesktop, {message.value, fromPager});
+        break;
+      case PagerMessage::Kind::awaitMove:
+        waitFor(message.window, atoms.netWmDesktop, shortPatience,
+                [&](std::uint32_t desktop) { return desktop == message.value; });
+        break;
+      case PagerMessage::Kind::showDesktop:
+        connection_.queueToRoot(root, atoms.netCurrentDesktop, {message.value, time});
+        break;
+      case PagerMessage::Kind::setCount:
+        connection_.queueToRoot(root, atoms.netNumberOfDesktops, {message.value});
+        break;
+    }
+  }
+  connection_.requests().flush();
+}
+
+bool DesktopCount::waitFor(xcb_window_t window, xcb_atom_t property, Duration patience,
+                           const std::function<bool(std::uint32_t)>& holds) {
   auto& channel = connection_.requests();
   const auto deadline = dispatch_.now() + patience;
   for (;;) {
-    const auto cookie = askProperty(channel, connection_.root(), connection_.atoms().netNumberOfDesktops, 1);
+    const auto cookie = askProperty(channel, window, property, 1);
     const auto now = firstItem(channel.await<xcb_get_property_reply>(cookie));
-    if (now && *now < count) return true;
-    if (!now || dispatch_.now() >= deadline) return false;
+    if (!now || holds(*now)) return now.has_value();
+    if (dispatch_.now() >= deadline) return false;
     dispatch_.sleep(pollInterval);
   }
 }

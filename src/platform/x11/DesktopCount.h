@@ -1,9 +1,10 @@
 #pragma once
 
 #include <atomic>
-#include <string>
+#include <functional>
 
 #include "platform/Dispatch.h"
+#include "platform/x11/DesktopRemoval.h"
 #include "platform/x11/Monitors.h"
 #include "platform/x11/Reader.h"
 
@@ -30,7 +31,10 @@ class DesktopCount {
   [[nodiscard]] bool ignored(const RootState& root) const;
   bool removeBetween(const Reading& reading, std::uint32_t desktop);
   void removeName(std::uint32_t desktop);
-  bool waitForCountBelow(std::uint32_t count);
+  void send(const PagerMessages& messages);
+  /// Asks again and again for a property's number. False when it is not there, and at the end of the patience.
+  bool waitFor(xcb_window_t window, xcb_atom_t property, Duration patience,
+               const std::function<bool(std::uint32_t)>& holds);
 
   Connection& connection_;
   Reader& reader_;

@@ -17,7 +17,10 @@ class Plan {
   }
   /// Changes the number of the desktop that is shown: on all desktops for a moment, its windows stay in sight.
   void renumberShown(std::uint32_t from, std::uint32_t to) {
+    const auto before = messages_.size();
     move(from, allDesktops);
+    // openbox carries out only the last of the moves of one window that it finds waiting.
+    if (messages_.size() > before) messages_.push_back({Kind::awaitMove, messages_.back().window, allDesktops});
     messages_.push_back({Kind::showDesktop, XCB_NONE, to});
     move(from, to);
   }

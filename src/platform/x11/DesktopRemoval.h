@@ -11,11 +11,11 @@
 
 namespace tessaspaces {
 
-/// One message of a pager to the window manager.
+/// One message of a pager to the window manager, or a wait for what came of one.
 struct PagerMessage {
-  enum class Kind { moveWindow, showDesktop, setCount };
+  enum class Kind { moveWindow, awaitMove, showDesktop, setCount };
   Kind kind = Kind::moveWindow;
-  /// Of moveWindow only.
+  /// Of the first two kinds only.
   xcb_window_t window = XCB_NONE;
   /// The desktop, `allDesktops` for every one; the number of desktops.
   std::uint32_t value = 0;

@@ -1,12 +1,50 @@
 // What the X11 platform promises beyond the contract, under a window manager of the usual kind.
+#include <xcb/xinput.h>
+
 #include <algorithm>
+#include <array>
 #include <thread>
 
 #include "contract/ContractTest.h"
 #include "contract/X11Driver.h"
 #include "platform/x11/X11Platform.h"
+#include "platform/x11/Xcb.h"
 
 namespace tessaspaces::contract {
+
+namespace {
+
+/// The settings of the server's input devices, as a settings program changes them.
+class InputSettings {
+ public:
+  /// The pointers that are no masters.
+  std::vector<xcb_input_device_id_t> pointers() {
+    const Reply<xcb_input_xi_query_device_reply_t> reply(
+        xcb_input_xi_query_device_reply(x_.get(), xcb_input_xi_query_device(x_.get(), XCB_INPUT_DEVICE_ALL), nullptr));
+    std::vector<xcb_input_device_id_t> ids;
+    if (!reply) return ids;
+    for (auto each = xcb_input_xi_query_device_infos_iterator(reply.get()); each.rem > 0;
+         xcb_input_xi_device_info_next(&each)) {
+      if (each.data->type == XCB_INPUT_DEVICE_TYPE_SLAVE_POINTER) ids.push_back(each.data->deviceid);
+    }
+    return ids;
+  }
+
+  void set(xcb_input_device_id_t device, const std::string& name, bool value) {
+    const Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        x_.get(), xcb_intern_atom(x_.get(), 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+    ASSERT_TRUE(atom);
+    const std::array<std::uint8_t, 4> data{static_cast<std::uint8_t>(value), 0, 0, 0};
+    const auto cookie = xcb_input_xi_change_property_checked(x_.get(), device, XCB_PROP_MODE_REPLACE, 8, atom->atom,
+                                                             XCB_ATOM_INTEGER, 1, data.data());
+    ASSERT_EQ(ErrorRef(xcb_request_check(x_.get(), cookie)), nullptr);
+  }
+
+ private:
+  XcbConnectionRef x_{xcb_connect(nullptr, nullptr)};
+};
+
+}  // namespace
 
 class X11Contract : public Contract {
  protected:
@@ -79,6 +117,26 @@ TEST_P(X11Contract, AReadingWaitsForTheServerAFewTimesHoweverManyWindowsThereAre
   std::thread([&] { elsewhere = cost(all); }).join();
   EXPECT_GT(elsewhere, 0U);
   EXPECT_LE(elsewhere, 3U) << "without the events";
+}
+
+TEST_P(X11Contract, TheTouchpadSaysHowItScrolls) {
+  start();
+  InputSettings settings;
+  const auto devices = settings.pointers();
+  ASSERT_GE(devices.size(), 2U);
+  const std::string natural = "libinput Natural Scrolling Enabled";
+  const std::string tapping = "libinput Tapping Enabled";
+  auto& preferences = platform().preferences();
+  EXPECT_FALSE(preferences.naturalScrolling()) << "no device says anything";
+  settings.set(devices[0], natural, true);
+  EXPECT_TRUE(preferences.naturalScrolling()) << "a mouse alone";
+  settings.set(devices[1], tapping, false);
+  EXPECT_TRUE(preferences.naturalScrolling()) << "a touchpad that does not say";
+  settings.set(devices[1], natural, false);
+  EXPECT_FALSE(preferences.naturalScrolling()) << "the touchpad counts";
+  settings.set(devices[0], natural, false);
+  settings.set(devices[1], natural, true);
+  EXPECT_TRUE(preferences.naturalScrolling());
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, X11Contract, testing::Values(x11Backends().front()), testing::PrintToStringParamName());

@@ -51,9 +51,9 @@ struct X11Platform::Parts {
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};
   X11AccessibilityWindows accessibility{*connection, reader};
-  X11InputEvents inputEvents{*connection};
+  X11Preferences preferences{*connection};
+  X11InputEvents inputEvents{*connection, preferences, windowServer, screens};
   X11HotKeys hotKeys{*connection, pump, screens};
-  X11Preferences preferences;
   X11LoginItem loginItem{X11LoginItem::standardFile(), X11LoginItem::ownExecutable()};
   X11Permissions permissions{*connection};
   DesktopEvents desktopEvents{*connection, reader, windowServer, pump};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "platform/x11/PointerDevices.h"
 #include "platform/x11/Text.h"
 
 namespace tessaspaces {
@@ -28,6 +29,10 @@ std::optional<PreferenceValue> X11Preferences::legacyValue(std::string_view /*ke
 
 std::vector<std::string> X11Preferences::preferredLanguages() {
   return languagesFrom(environment);
+}
+
+bool X11Preferences::naturalScrolling() {
+  return scrollsNaturally(connection_);
 }
 
 std::vector<std::string> languagesFrom(const std::function<std::optional<std::string>(const char*)>& variable) {

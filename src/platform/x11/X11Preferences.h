@@ -7,15 +7,22 @@
 #include <vector>
 
 #include "platform/Session.h"
+#include "platform/x11/Connection.h"
 
 namespace tessaspaces {
 
-/// There is no preferences database to import from; languages come from the environment.
+/// There is no preferences database to import from; languages come from the environment, the direction of scrolling
+/// from the input devices.
 class X11Preferences : public Preferences {
  public:
+  explicit X11Preferences(Connection& connection) : connection_(connection) {}
+
   std::optional<PreferenceValue> legacyValue(std::string_view key) override;
   std::vector<std::string> preferredLanguages() override;
-  bool naturalScrolling() override { return false; }
+  bool naturalScrolling() override;
+
+ private:
+  Connection& connection_;
 };
 
 /// The languages that the locale variables ask for, as gettext reads them: LC_ALL, else LC_MESSAGES, else

@@ -39,6 +39,13 @@ Request parseMove(const Words& words) {
   return surplus(words, 2, Move{*direction});
 }
 
+Request parseRemoveDesktop(const Words& words) {
+  if (words.size() < 2) return UsageError{"remove-desktop needs a desktop number"};
+  const auto number = wholeNumber(words[1]);
+  if (!number) return UsageError{"'" + words[1] + "' is no desktop number"};
+  return surplus(words, 2, RemoveDesktop{*number});
+}
+
 Request parseConfig(const Words& words) {
   const std::string action = words.size() > 1 ? words[1] : "";
   const std::size_t given = words.size();
@@ -63,6 +70,8 @@ Request parseRequest(const Words& words) {
   if (command == "list") return parseList(words);
   if (command == "switch") return parseSwitch(words);
   if (command == "move") return parseMove(words);
+  if (command == "add-desktop") return surplus(words, 1, AddDesktop{});
+  if (command == "remove-desktop") return parseRemoveDesktop(words);
   if (command == "selftest") return surplus(words, 1, SelfTest{});
   if (command == "config") return parseConfig(words);
   return UsageError{"there is no command '" + command + "'"};
@@ -96,7 +105,8 @@ CommandLine parseArguments(const std::vector<std::string>& arguments) {
 
 bool needsPlatform(const Request& request) {
   return std::holds_alternative<List>(request) || std::holds_alternative<Switch>(request) ||
-         std::holds_alternative<Move>(request);
+         std::holds_alternative<Move>(request) || std::holds_alternative<AddDesktop>(request) ||
+         std::holds_alternative<RemoveDesktop>(request);
 }
 
 std::string_view helpText() {
@@ -108,6 +118,8 @@ Moves through the grid of desktops on the display under the pointer.
   switch left|right|up|down         go to the neighbour in the grid
   switch N                          go to desktop N, counted from 1
   move left|right|up|down           carry the focused window to the neighbour
+  add-desktop                       one more desktop, after the last
+  remove-desktop N                  remove desktop N; its windows go to a neighbour
   selftest                          check the arithmetic of the grid
   config list                       every setting with its value
   config get KEY                    one value

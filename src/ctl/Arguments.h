@@ -29,6 +29,11 @@ struct Switch {
 struct Move {
   GridDirection direction = GridDirection::left;
 };
+struct AddDesktop {};
+struct RemoveDesktop {
+  /// Counted from 1.
+  int number = 0;
+};
 struct SelfTest {};
 struct ConfigList {};
 struct ConfigGet {
@@ -46,8 +51,8 @@ struct UsageError {
   std::string message;
 };
 
-using Request = std::variant<UsageError, Help, Version, List, Switch, Move, SelfTest, ConfigList, ConfigGet, ConfigSet,
-                             ConfigUnset>;
+using Request = std::variant<UsageError, Help, Version, List, Switch, Move, AddDesktop, RemoveDesktop, SelfTest,
+                             ConfigList, ConfigGet, ConfigSet, ConfigUnset>;
 
 struct CommandLine {
   Request request;

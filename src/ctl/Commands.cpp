@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "ctl/ConfigCommands.h"
+#include "ctl/DesktopCommands.h"
 #include "ctl/ListCommand.h"
 #include "model/HotkeyCommands.h"
 #include "platform/Platform.h"

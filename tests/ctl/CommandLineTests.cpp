@@ -40,6 +40,10 @@ TEST_F(CommandLine, WordsThatMakeNoCommandAreUsageErrors) {
                                             {"switch", "left", "right"},
                                             {"move"},
                                             {"move", "3"},
+                                            {"add-desktop", "2"},
+                                            {"remove-desktop"},
+                                            {"remove-desktop", "last"},
+                                            {"remove-desktop", "1", "2"},
                                             {"list", "--xml"},
                                             {"config"},
                                             {"config", "get"},
@@ -97,6 +101,31 @@ TEST_F(CommandLine, MovesTheFocusedWindow) {
   EXPECT_EQ(call({"move", "right"}).code, 0);
   EXPECT_THAT(world().spacesOf(window), testing::ElementsAre(2u));
   EXPECT_EQ(world().currentSpace("left"), 1u);
+}
+
+TEST_F(CommandLine, AddsAndRemovesDesktopsUnderThePointer) {
+  start("left 960x1080 | A* ; right 960x1080 | B*");
+  EXPECT_EQ(call({"add-desktop"}).code, 0);
+  EXPECT_EQ(world().state()->display("left")->spaces.size(), 2u);
+  EXPECT_EQ(call({"remove-desktop", "1"}).code, 0);
+  EXPECT_EQ(world().currentSpace("left"), 3u);
+  struct Case {
+    std::vector<std::string> words;
+    int code;
+    std::string reason;
+  };
+  const Case cases[] = {{{"remove-desktop", "1"}, 1, "the last desktop cannot be removed"},
+                        {{"remove-desktop", "2"}, 1, "there is no such desktop; this display has 1"},
+                        {{"remove-desktop", "0"}, 1, "there is no such desktop"},
+                        {{"add-desktop"}, 1, "the window manager did not add a desktop"}};
+  world().editFaults([](SimulatedFaults& faults) { faults.ignored = {Operation::addSpace}; });
+  for (const auto& [words, code, reason] : cases) {
+    const auto refused = call(words);
+    EXPECT_EQ(refused.code, code);
+    EXPECT_THAT(refused.err, StartsWith("tessactl: " + reason));
+  }
+  world().setWindowManager(std::nullopt);
+  EXPECT_EQ(call({"add-desktop"}).code, 3);
 }
 
 TEST_F(CommandLine, ListsForPeopleAndForPrograms) {

@@ -55,6 +55,10 @@ std::int32_t setWindowListWorkspace(std::span<const WindowID> windows, std::int3
   return server().setWindowListWorkspace(windows, compatID);
 }
 
+bool carriesHeldWindows() {
+  return server().carriesHeldWindows();
+}
+
 bool bridgedMoveWindows(std::span<const WindowID> windows, SpaceID space) {
   return server().performBridged(MoveWindowsToSpace{{windows.begin(), windows.end()}, space});
 }

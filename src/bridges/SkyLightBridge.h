@@ -27,6 +27,9 @@ void removeWindowsFromSpaces(std::span<const WindowID> windows, std::span<const 
 std::int32_t spaceSetCompatID(SpaceID space, std::int32_t compatID);
 std::int32_t setWindowListWorkspace(std::span<const WindowID> windows, std::int32_t compatID);
 
+/// Whether a window held by its title bar comes along to the next space; false where it is known to stay behind.
+bool carriesHeldWindows();
+
 /// Hands the move of the windows to the window server; false when it does not offer the operation. True
 /// does not mean that the windows have arrived.
 bool bridgedMoveWindows(std::span<const WindowID> windows, SpaceID space);

@@ -22,6 +22,7 @@ constexpr auto modifierPatience = 1500ms;
 constexpr auto raisePatience = 500ms;
 constexpr auto followPatience = 250ms;
 constexpr auto carriedPatience = 300ms;
+constexpr auto backPatience = 60ms;
 constexpr auto settlePatience = 300ms;
 
 /// Where on the title bar to take it, as parts of its width: far from the buttons at the ends first.
@@ -81,6 +82,7 @@ class Drag {
   Drag(const SpaceWindow& window, AccessibilityWindow& access) : window_(window), access_(access) {}
 
   bool carry(const std::function<bool()>& switchDesktop) {
+    if (!SLS::carriesHeldWindows()) return refuse("would stay behind: this window manager leaves it where it is");
     start_ = access_.frame();
     if (!start_) return refuse("has no frame");
     const auto home = input_.mouseLocation();
@@ -97,6 +99,7 @@ class Drag {
   }
 
  private:
+  /// Says why not.
   bool refuse(std::string_view reason) const {
     Log::warning("DRAGSIM: window [{}] {}", window_.id, reason);
     return false;
@@ -147,6 +150,9 @@ class Drag {
       input_.moveMouse(grip);
       return refuse("does not follow the pointer");
     }
+    // Back at its place, still held: where it is left behind, a window manager may not move it any more.
+    input_.moveMouse(grip);
+    waitUntil(backPatience, [&] { return isBack(); });
     const std::array id{window_.id};
     const auto before = SLS::copySpacesForWindows(allSpaceKinds, id);
     const bool switched = switchDesktop();
@@ -157,7 +163,6 @@ class Drag {
     } else {
       refuse("was held, but the desktop did not change");
     }
-    input_.moveMouse(grip);
     press.release();
     return switched;
   }
@@ -184,15 +189,17 @@ class Drag {
     return false;
   }
 
+  bool isBack() const {
+    const auto frame = access_.frame();
+    return !frame || frame == start_;
+  }
+
   void putBack() const {
-    const auto isBack = [&] {
-      const auto frame = access_.frame();
-      return !frame || frame == start_;
-    };
-    // The pointer went back to where it had taken the window, so mostly the window is there or about to be.
-    if (waitUntil(5 * pollInterval, isBack)) return;
+    if (waitUntil(backPatience, [&] { return isBack(); })) return;
     access_.place(*start_);
-    if (!waitUntil(settlePatience, isBack)) Log::debug("DRAGSIM: window [{}] is not back at its place", window_.id);
+    if (!waitUntil(settlePatience, [&] { return isBack(); })) {
+      Log::debug("DRAGSIM: window [{}] is not back at its place", window_.id);
+    }
   }
 
   static constexpr int allSpaceKinds = 7;

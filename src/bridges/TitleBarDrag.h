@@ -14,9 +14,9 @@ namespace tessaspaces::TitleBarDrag {
 /// is on by then is for the caller to see. Whatever happens, the button is up and the pointer and the window are back
 /// at their places when this returns.
 ///
-/// Does not start, and returns false, when the window is gone, has no title bar, is covered even after it was raised,
-/// or does not follow the pointer; while the user holds a mouse button or goes on holding a modifier; or while another
-/// window is being carried.
+/// Does not start, and returns false, where the window manager is known to leave such windows behind; when the window
+/// is gone, has no title bar, is covered even after it was raised, or does not follow the pointer; while the user holds
+/// a mouse button or goes on holding a modifier; or while another window is being carried.
 ///
 /// Blocks for some hundred milliseconds, up to about three seconds and the time that `switchDesktop` takes; not on the
 /// main thread.

@@ -106,6 +106,9 @@ class WindowServer {
 
   /// Whether a window manager that understands desktops is running, its name for messages when it is.
   virtual std::optional<std::string> windowManagerName() = 0;
+  /// Whether a window comes along that is held by its title bar while another space is shown. False where it is known
+  /// to stay behind: to drag it there would be in vain.
+  virtual bool carriesHeldWindows() { return true; }
 
   /// Tells the system that desktops lie in a grid of this size, filled row by row, so that its own
   /// directions agree with the program's; rows or columns of 0 take that back. Main thread. Optional.

@@ -79,6 +79,7 @@ TEST_F(TitleBarDragTest, WhateverGoesWrongTheButtonIsUpAndThePointerBack) {
   };
   const std::vector<Case> cases{
       {"not permitted", [&] { sim->setPermissions(false, true); }, "not found via AX"},
+      {"in vain", fault(&SimulatedFaults::unavailable, Operation::carriesHeldWindows), "would stay behind"},
       {"gone before", [&] { world().removeWindow(mail.id); }, "not found via AX"},
       {"gone at the press", vanishBefore(Operation::pressMouse), "does not follow"},
       {"gone once found", vanishBefore(Operation::windowTitleBar), "has no title bar"},

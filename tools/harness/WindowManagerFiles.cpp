@@ -27,7 +27,7 @@ Launch openbox(const XServer& server, const WindowManagerOptions& options) {
 <keyboard><keybind key="C-A-S-W-F12"><action name="Focus"/></keybind>
 {}</keyboard>
 <mouse><context name="Titlebar"><mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/>
-</mousebind></context></mouse>
+</mousebind><mousebind button="Left" action="Drag"><action name="Move"/></mousebind></context></mouse>
 </openbox_config>
 )",
                               options.desktops, keys));

@@ -23,6 +23,7 @@ std::string_view operationName(Operation operation) {
     case Operation::removeSpace: return "removeSpace";
     case Operation::beginRead: return "beginRead";
     case Operation::windowManagerName: return "windowManagerName";
+    case Operation::carriesHeldWindows: return "carriesHeldWindows";
     case Operation::setDesktopLayout: return "setDesktopLayout";
     case Operation::copyWindowInfo: return "copyWindowInfo";
     case Operation::screens: return "screens";

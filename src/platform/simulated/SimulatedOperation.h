@@ -33,6 +33,7 @@ enum class Operation {
   removeSpace,
   beginRead,
   windowManagerName,
+  carriesHeldWindows,
   setDesktopLayout,
   copyWindowInfo,
   screens,

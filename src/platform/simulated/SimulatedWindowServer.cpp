@@ -244,6 +244,10 @@ std::optional<std::string> SimulatedWindowServer::windowManagerName() {
   return world_.state()->windowManager;
 }
 
+bool SimulatedWindowServer::carriesHeldWindows() {
+  return offers(Operation::carriesHeldWindows, {});
+}
+
 void SimulatedWindowServer::setDesktopLayout(int rows, int columns) {
   world_.ask(Operation::setDesktopLayout, std::to_string(rows) + ", " + std::to_string(columns));
 }

@@ -27,6 +27,8 @@ class SimulatedWindowServer final : public WindowServer {
   bool removeSpace(std::string_view display, SpaceID space) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override;
   std::optional<std::string> windowManagerName() override;
+  /// True, also where WorldState::carriesDraggedWindow says otherwise: not everybody is known. False when unavailable.
+  bool carriesHeldWindows() override;
   /// Logged, and without effect.
   void setDesktopLayout(int rows, int columns) override;
 

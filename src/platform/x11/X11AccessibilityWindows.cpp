@@ -27,10 +27,7 @@ struct Placement {
   std::array<double, 4> extents{};
 };
 
-Rect areaOf(const xcb_get_geometry_reply_t& geometry, const xcb_translate_coordinates_reply_t& position) {
-  return {static_cast<double>(position.dst_x), static_cast<double>(position.dst_y), static_cast<double>(geometry.width),
-          static_cast<double>(geometry.height)};
-}
+enum class Border { included, excluded };
 
 class X11Window final : public AccessibilityWindow {
  public:
@@ -92,14 +89,17 @@ std::optional<Placement> X11Window::placement() {
   const auto clientCookies = ask(window_);
   const auto outerCookies = ask(outer);
   const auto extentsCookie = askProperty(channel, window_, connection_.atoms().netFrameExtents, 4);
-  const auto receive = [&](const auto& cookies) -> std::optional<Rect> {
+  const auto receive = [&](const auto& cookies, Border border) -> std::optional<Rect> {
     const auto geometry = channel.await<xcb_get_geometry_reply>(cookies.first);
     const auto position = channel.await<xcb_translate_coordinates_reply>(cookies.second);
     if (!geometry || !position) return std::nullopt;
-    return areaOf(*geometry, *position);
+    const Rect inner{double(position->dst_x), double(position->dst_y), double(geometry->width),
+                     double(geometry->height)};
+    const double width = border == Border::included ? geometry->border_width : 0;
+    return inner.inset(-width, -width);
   };
-  const auto client = receive(clientCookies);
-  const auto outerArea = receive(outerCookies);
+  const auto client = receive(clientCookies, Border::excluded);
+  const auto outerArea = receive(outerCookies, Border::included);
   const auto extentsReply = channel.await<xcb_get_property_reply>(extentsCookie);
   if (!client || !outerArea) return std::nullopt;
   Placement placement{*client, *outerArea, outer != window_, {}};

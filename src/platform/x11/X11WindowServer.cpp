@@ -4,6 +4,7 @@
 #include <chrono>
 #include <set>
 
+#include "platform/x11/DragHabits.h"
 #include "platform/x11/Properties.h"
 
 namespace tessaspaces {
@@ -202,6 +203,11 @@ std::optional<PixelRect> X11WindowServer::countableArea(std::string_view display
   // The number says nothing of a monitor: one that has desktops of its own might not be the one that loses one.
   if (!monitor || (view.map.perMonitor && !view.root->isI3())) return std::nullopt;
   return view.layout->monitors[*monitor].area;
+}
+
+bool X11WindowServer::carriesHeldWindows() {
+  const auto name = windowManagerName();
+  return name && takesHeldWindowsAlong(*name);
 }
 
 std::optional<std::string> X11WindowServer::windowManagerName() {

@@ -52,6 +52,7 @@ class X11WindowServer : public WindowServer {
   bool removeSpace(std::string_view display, SpaceID space) override;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead() override { return reader_.beginRead(); }
   std::optional<std::string> windowManagerName() override;
+  bool carriesHeldWindows() override;
   void setDesktopLayout(int rows, int columns) override { pagerLayout_.advertise(rows, columns); }
 
   /// Looks which desktop the focused monitor shows, while it still does: see VisibleDesktops. Any thread.

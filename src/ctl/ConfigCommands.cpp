@@ -31,9 +31,8 @@ std::string valueText(const SettingsTable::Entry& entry, const std::string& key)
 }
 
 /// A change that the file did not take is in this process's memory alone, which is about to end.
-ExitCode confirmStored(const std::string& key, const std::optional<ConfigValue>& wanted, std::ostream& err) {
-  ConfigStore::useDirectory(ConfigStore::directory());
-  if (ConfigStore::value(key) == wanted) return ExitCode::success;
+ExitCode confirm(bool stored, std::ostream& err) {
+  if (stored) return ExitCode::success;
   err << "tessactl: " << ConfigStore::fileURL().string() << " could not be written\n";
   return ExitCode::refused;
 }
@@ -70,15 +69,13 @@ ExitCode run(const ConfigSet& request, std::ostream& /*out*/, std::ostream& err)
     err << "tessactl: " << key << ": " << parsed.error << '\n';
     return ExitCode::refused;
   }
-  ConfigStore::set(key, *parsed.value);
-  return confirmStored(key, parsed.value, err);
+  return confirm(ConfigStore::set(key, *parsed.value), err);
 }
 
 ExitCode run(const ConfigUnset& request, std::ostream& /*out*/, std::ostream& err) {
   const std::string key = fullKey(request.key);
   if (findOrComplain(key, err) == nullptr) return ExitCode::refused;
-  ConfigStore::remove(key);
-  return confirmStored(key, std::nullopt, err);
+  return confirm(ConfigStore::remove(key), err);
 }
 
 }  // namespace tessaspaces::ctl

@@ -225,21 +225,23 @@ auto ConfigFile::withLoaded(const Read& read) {
   return result;
 }
 
-void ConfigFile::change(const std::function<Edits(const State&)>& edit) {
+bool ConfigFile::change(const std::function<Edits(const State&)>& edit) {
   // No lock of this process is held while another process is waited for.
-  for (int attempt = 1; !tryChange(edit, attempt < lockAttempts ? Turn::wait : Turn::take); ++attempt) {
+  std::optional<bool> stored;
+  for (int attempt = 1; !(stored = tryChange(edit, attempt < lockAttempts ? Turn::wait : Turn::take)); ++attempt) {
     std::this_thread::sleep_for(lockPause);
   }
   flushPendingLogs();
+  return *stored;
 }
 
-bool ConfigFile::tryChange(const std::function<Edits(const State&)>& edit, Turn turn) {
+std::optional<bool> ConfigFile::tryChange(const std::function<Edits(const State&)>& edit, Turn turn) {
   const std::lock_guard guard(lock_);
   auto& state = *state_;
-  if (turn == Turn::wait && state.justWrote()) return false;
+  if (turn == Turn::wait && state.justWrote()) return std::nullopt;
   const auto target = followLinks(state.file());
   const DirectoryLock processes(target.parent_path());
-  if (turn == Turn::wait && processes.state() == DirectoryLock::State::busy) return false;
+  if (turn == Turn::wait && processes.state() == DirectoryLock::State::busy) return std::nullopt;
 
   state.refresh();
   auto edits = edit(state);
@@ -248,7 +250,9 @@ bool ConfigFile::tryChange(const std::function<Edits(const State&)>& edit, Turn 
     const auto found = state.values.find(key);
     const bool missing = found == state.values.end();
     const bool same = value ? !missing && found->second == *value : missing;
-    if (same && !needsWrite) continue;
+    // The file may have lost, or spoiled, what memory still has.
+    const bool stored = same && (!value || state.onDisk == State::OnDisk::parsed);
+    if (stored && !needsWrite) continue;
     needsWrite = true;
     if (value) {
       state.values.insert_or_assign(key, *value);
@@ -259,7 +263,7 @@ bool ConfigFile::tryChange(const std::function<Edits(const State&)>& edit, Turn 
   }
   if (needsWrite) state.write(target, processes.state(), observer_);
   if (!edits.note.empty()) state.pendingLogs.emplace_back(std::move(edits.note), LogLevel::info);
-  return true;
+  return state.unwritten.empty();
 }
 
 std::optional<long long> ConfigFile::integer(std::string_view key) {
@@ -286,12 +290,12 @@ std::vector<std::string> ConfigFile::keys() {
   });
 }
 
-void ConfigFile::set(std::string_view key, const ConfigValue& value) {
-  change([&](const State&) { return Edits{{{validUtf8(key), fromValue(value)}}, {}}; });
+bool ConfigFile::set(std::string_view key, const ConfigValue& value) {
+  return change([&](const State&) { return Edits{{{validUtf8(key), fromValue(value)}}, {}}; });
 }
 
-void ConfigFile::remove(std::string_view key) {
-  change([&](const State&) { return Edits{{{validUtf8(key), std::nullopt}}, {}}; });
+bool ConfigFile::remove(std::string_view key) {
+  return change([&](const State&) { return Edits{{{validUtf8(key), std::nullopt}}, {}}; });
 }
 
 std::string ConfigFile::stringOrStore(std::string_view key, std::string candidate) {

@@ -42,8 +42,8 @@ class ConfigFile {
   [[nodiscard]] std::optional<ConfigValue> value(std::string_view key);
   [[nodiscard]] std::vector<std::string> keys();
 
-  void set(std::string_view key, const ConfigValue& value);
-  void remove(std::string_view key);
+  bool set(std::string_view key, const ConfigValue& value);
+  bool remove(std::string_view key);
   [[nodiscard]] std::string stringOrStore(std::string_view key, std::string candidate);
   void importLegacy(const std::vector<std::string>& keys, const LegacyLookup& lookup);
   [[nodiscard]] std::vector<std::string> reloadIfChanged();
@@ -60,14 +60,15 @@ class ConfigFile {
   /// Runs `read` on the loaded state under the lock, then writes out what loading made necessary.
   template <class Read>
   auto withLoaded(const Read& read);
-  /// Re-reads the file, applies what `edit` makes of the state, and writes; then logs.
-  void change(const std::function<Edits(const State&)>& edit);
+  /// Re-reads the file, applies what `edit` makes of the state, and writes; then logs. False when the file does not
+  /// have all of it.
+  bool change(const std::function<Edits(const State&)>& edit);
   enum class Turn {
     wait,  // let other processes go first
     take   // go on whatever they do
   };
-  /// One attempt of the above, without the logging; false when it is another process's turn.
-  bool tryChange(const std::function<Edits(const State&)>& edit, Turn turn);
+  /// One attempt of the above, without the logging; nothing when it is another process's turn.
+  std::optional<bool> tryChange(const std::function<Edits(const State&)>& edit, Turn turn);
   /// Hands the queued lines to the sink. Without the lock.
   void flushPendingLogs();
 

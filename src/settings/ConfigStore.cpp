@@ -33,11 +33,11 @@ std::optional<ConfigValue> value(std::string_view key) {
 std::vector<std::string> keys() {
   return file().keys();
 }
-void set(std::string_view key, ConfigValue value) {
-  file().set(key, value);
+bool set(std::string_view key, ConfigValue value) {
+  return file().set(key, value);
 }
-void remove(std::string_view key) {
-  file().remove(key);
+bool remove(std::string_view key) {
+  return file().remove(key);
 }
 
 std::string stringOrStore(std::string_view key, std::string candidate) {

@@ -28,23 +28,26 @@ namespace ConfigStore {
 /// Every key that the file holds, sorted.
 [[nodiscard]] std::vector<std::string> keys();
 
-void set(std::string_view key, ConfigValue value);
+/// True when the file has the value now; every change that could not be written before goes along, and counts. Text
+/// that is not UTF-8 is stored with U+FFFD in place of what is not.
+bool set(std::string_view key, ConfigValue value);
 
 /// Stores a boolean, an integer or a text. A template, so that a string literal is never taken for a
 /// boolean and no integer type is ambiguous.
 template <class Value>
 requires std::same_as<Value, bool> || std::integral<Value> || std::convertible_to<const Value&, std::string_view>
-void set(std::string_view key, const Value& value) {
+bool set(std::string_view key, const Value& value) {
   if constexpr (std::same_as<Value, bool>) {
-    set(key, ConfigValue(std::in_place_type<bool>, value));
+    return set(key, ConfigValue(std::in_place_type<bool>, value));
   } else if constexpr (std::integral<Value>) {
-    set(key, ConfigValue(std::in_place_type<long long>, static_cast<long long>(value)));
+    return set(key, ConfigValue(std::in_place_type<long long>, static_cast<long long>(value)));
   } else {
-    set(key, ConfigValue(std::in_place_type<std::string>, std::string_view(value)));
+    return set(key, ConfigValue(std::in_place_type<std::string>, std::string_view(value)));
   }
 }
 
-void remove(std::string_view key);
+/// True when the file does not have the key any more.
+bool remove(std::string_view key);
 
 /// The stored text where there is a non-empty one, else `candidate`, which is then stored: of several
 /// threads and processes that ask at once, all get the same one.

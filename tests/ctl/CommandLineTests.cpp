@@ -150,6 +150,8 @@ TEST_F(CommandLine, SettingsAreCheckedBeforeTheyAreStored) {
   EXPECT_EQ(call({"config", "get", "grid.rows"}).out, "5\n") << "the prefix may be left out";
   EXPECT_EQ(call({"config", "set", "circulation.join", "sameRow"}).code, 0);
   EXPECT_EQ(call({"config", "get", "circulation.join"}).out, "sameRow\n");
+  EXPECT_EQ(call({"config", "set", "desktopNickname.1", "B\xfcro"}).code, 0) << "stored as far as it is UTF-8";
+  EXPECT_EQ(call({"config", "get", "desktopNickname.1"}).out, "B\uFFFDro\n");
   for (const auto& [key, value] : std::vector<std::pair<std::string, std::string>>{{"hotkey.0", "1"},
                                                                                    {"grid.rows", "many"},
                                                                                    {"grid.rows", "17"},

@@ -77,8 +77,8 @@ TEST_F(ConfigFileTest, RewritingKeepsWhatItDoesNotKnow) {
 }
 
 TEST_F(ConfigFileTest, StoresTextThatIsNoUtf8) {
-  open()->set("k\xff", ConfigValue("a\xff"
-                                   "b"));
+  EXPECT_TRUE(open()->set("k\xff", ConfigValue("a\xff"
+                                               "b")));
   EXPECT_EQ(open()->string("k\uFFFD"),
             "a\uFFFD"
             "b");
@@ -190,7 +190,7 @@ TEST_F(ConfigFileTest, RefusesToWriteOverWhatItCannotKeep) {
   // Readable, no JSON, and nothing can be made beside it, by root neither.
   fs::create_symlink("/proc/self/status", file);
   const auto store = open();
-  store->set("a", ConfigValue(1LL));
+  EXPECT_FALSE(store->set("a", ConfigValue(1LL)));
   EXPECT_TRUE(fs::is_symlink(file));
   EXPECT_EQ(store->integer("a"), 1);
   ASSERT_EQ(lines.error.size(), 1u);
@@ -202,9 +202,9 @@ TEST_F(ConfigFileTest, GoesOnFromMemoryWhenItCannotWrite) {
   const auto blocked = folder / "blocked";
   writeText(blocked, "");
   const auto store = open(blocked);
-  store->set("a", ConfigValue(1LL));
+  EXPECT_FALSE(store->set("a", ConfigValue(1LL)));
   store->set("b", ConfigValue("x"));
-  store->set("b", ConfigValue("y"));
+  EXPECT_FALSE(store->set("b", ConfigValue("y")));
   EXPECT_EQ(store->reloadIfChanged(), std::vector<std::string>());
   EXPECT_EQ(store->integer("a"), 1);
   EXPECT_EQ(store->string("b"), "y");
@@ -218,7 +218,7 @@ TEST_F(ConfigFileTest, GoesOnFromMemoryWhenItCannotWrite) {
   writeText(blocked / "config.json", R"({"a": 7, "c": 8})");
   EXPECT_THAT(store->reloadIfChanged(), ElementsAre("c"));
   EXPECT_EQ(store->integer("a"), 1);
-  store->set("b", ConfigValue("y"));
+  EXPECT_TRUE(store->set("b", ConfigValue("y")));
   EXPECT_EQ(Json::parse(readText(blocked / "config.json")), Json::parse(R"({"a": 1, "b": "y", "c": 8})"));
   EXPECT_EQ(lines.error.size(), 3u);
 }
@@ -285,6 +285,10 @@ TEST_F(ConfigFileTest, KeepsAFileThatWasSpoiledMeanwhile) {
   EXPECT_EQ(onDisk(), Json::parse(R"({"a": 1, "b": 2})"));
   EXPECT_EQ(readText(folder / "config.json.unreadable"), "{ oops");
   EXPECT_EQ(lines.warning.size(), 1u);
+
+  writeText(file, "{ again");
+  EXPECT_TRUE(store->set("b", ConfigValue(2LL))) << "memory has the value, but no longer the file";
+  EXPECT_EQ(onDisk(), Json::parse(R"({"a": 1, "b": 2})"));
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 #include "platform/x11/XErrors.h"
 
 #include <fmt/format.h>
+#include <xcb/composite.h>
+#include <xcb/damage.h>
 #include <xcb/randr.h>
+#include <xcb/render.h>
 #include <xcb/xproto.h>
 
 #include <algorithm>
@@ -36,6 +39,9 @@ constexpr auto requestNames = std::to_array<RequestName>({
     {XCB_SET_SELECTION_OWNER, "SetSelectionOwner"},
     {XCB_GET_SELECTION_OWNER, "GetSelectionOwner"},
     {XCB_SEND_EVENT, "SendEvent"},
+    {XCB_CREATE_PIXMAP, "CreatePixmap"},
+    {XCB_FREE_PIXMAP, "FreePixmap"},
+    {XCB_GET_IMAGE, "GetImage"},
     {XCB_UNGRAB_KEYBOARD, "UngrabKeyboard"},
     {XCB_GRAB_KEY, "GrabKey"},
     {XCB_UNGRAB_KEY, "UngrabKey"},
@@ -71,8 +77,8 @@ struct Harmless {
   std::uint8_t error;
 };
 
-// The requests that name other clients' windows, with the error that each gives for one that is gone, and
-// the key grab, whose refusal is an answer.
+// The requests that name other clients' windows or their contents, with the error that each gives for one that is
+// gone, and the key grab, whose refusal is an answer.
 constexpr auto harmless = std::to_array<Harmless>({
     {XCB_GET_PROPERTY, XCB_WINDOW},
     {XCB_GET_WINDOW_ATTRIBUTES, XCB_WINDOW},
@@ -84,7 +90,22 @@ constexpr auto harmless = std::to_array<Harmless>({
     {XCB_CONFIGURE_WINDOW, XCB_MATCH},
     {XCB_SEND_EVENT, XCB_WINDOW},
     {XCB_GRAB_KEY, XCB_ACCESS},
+    {XCB_FREE_PIXMAP, XCB_PIXMAP},
 });
+
+// What the pictures of windows name goes as windows do, and with them what was made for them.
+bool isGoneWithItsWindow(const xcb_generic_error_t& error, const ExtensionCodes& extensions) {
+  if (extensions.composite != 0 && error.major_code == extensions.composite) {
+    // A window that is hidden by now, or that nobody redirects any more.
+    return error.error_code == XCB_WINDOW || error.error_code == XCB_MATCH || error.error_code == XCB_VALUE;
+  }
+  if (extensions.damage != 0 && error.major_code == extensions.damage) {
+    return error.error_code == XCB_DRAWABLE || error.error_code == extensions.damageFirstError + XCB_DAMAGE_BAD_DAMAGE;
+  }
+  // The picture behind all windows, which another program may take away.
+  return extensions.render != 0 && error.major_code == extensions.render &&
+         (error.error_code == XCB_DRAWABLE || error.error_code == extensions.renderFirstError + XCB_RENDER_PICTURE);
+}
 
 }  // namespace
 
@@ -94,6 +115,7 @@ bool isHarmless(const xcb_generic_error_t& error, const ExtensionCodes& extensio
     const int code = error.error_code - extensions.randrFirstError;
     return code == XCB_RANDR_BAD_OUTPUT || code == XCB_RANDR_BAD_CRTC;
   }
+  if (isGoneWithItsWindow(error, extensions)) return true;
   return std::any_of(harmless.begin(), harmless.end(), [&](const Harmless& entry) {
     return entry.opcode == error.major_code && entry.error == error.error_code;
   });
@@ -110,6 +132,8 @@ std::string describe(const xcb_generic_error_t& error, const ExtensionCodes& ext
                                        : error.major_code == extensions.xkb       ? "XKEYBOARD"
                                        : error.major_code == extensions.xtest     ? "XTEST"
                                        : error.major_code == extensions.composite ? "Composite"
+                                       : error.major_code == extensions.damage    ? "DAMAGE"
+                                       : error.major_code == extensions.render    ? "RENDER"
                                                                                   : "extension";
     request = fmt::format("{} request {}", extension, error.minor_code);
   }

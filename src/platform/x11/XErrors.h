@@ -16,6 +16,10 @@ struct ExtensionCodes {
   std::uint8_t xkbEvent = 0;  // the one event code of XKB
   std::uint8_t xtest = 0;
   std::uint8_t composite = 0;
+  std::uint8_t damage = 0;
+  std::uint8_t damageFirstError = 0;
+  std::uint8_t render = 0;
+  std::uint8_t renderFirstError = 0;
 };
 
 /// Whether the error only says that what the request named is gone by now: windows and outputs may go at

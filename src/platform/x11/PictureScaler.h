@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/x11/PictureBatch.h"
+
+namespace tessaspaces {
+
+/// Makes a pixmap of depth 32 that shows the source at the given size, which is not above the source's; the caller
+/// frees it. Bilinear, by halves as long as it has to shrink to less than that: a single larger step would leave
+/// pixels out. Sends requests only.
+[[nodiscard]] xcb_pixmap_t scaleDown(CaptureLink& link, const PictureSource& source, ImageSize size);
+
+}  // namespace tessaspaces

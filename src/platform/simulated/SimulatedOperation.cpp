@@ -52,6 +52,10 @@ std::string_view operationName(Operation operation) {
     case Operation::moveMouse: return "moveMouse";
     case Operation::pressMouse: return "pressMouse";
     case Operation::releaseMouse: return "releaseMouse";
+    case Operation::beginCapture: return "beginCapture";
+    case Operation::previews: return "previews";
+    case Operation::wallpaper: return "wallpaper";
+    case Operation::screenContent: return "screenContent";
   }
   return "?";
 }

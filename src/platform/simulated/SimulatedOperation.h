@@ -62,6 +62,10 @@ enum class Operation {
   moveMouse,
   pressMouse,
   releaseMouse,
+  beginCapture,
+  previews,
+  wallpaper,
+  screenContent,
 };
 
 /// The enumerator's own name.

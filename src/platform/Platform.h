@@ -11,6 +11,7 @@
 #include "platform/InputEvents.h"
 #include "platform/Screens.h"
 #include "platform/Session.h"
+#include "platform/WindowCapture.h"
 #include "platform/WindowList.h"
 #include "platform/WindowServer.h"
 
@@ -29,6 +30,7 @@ class Platform {
   virtual AccessibilityWindows& accessibility() = 0;
   virtual InputEvents& inputEvents() = 0;
   virtual HotKeyRegistrar& hotKeys() = 0;
+  virtual WindowCapture& windowCapture() = 0;
   virtual Preferences& preferences() = 0;
   virtual LoginItem& loginItem() = 0;
   virtual Permissions& permissions() = 0;

@@ -33,6 +33,7 @@ struct SimulatedPlatform::Parts {
   Parts(std::unique_ptr<Dispatch> given, VirtualDispatch* clock)
       : dispatch(std::move(given)), virtualTime(clock), world(*dispatch, laterOn(*dispatch, clock)) {
     world.setObserver([this](WorldEvent event) {
+      capture.notice();
       switch (event) {
         case WorldEvent::spaces: windowServer.spacesChanged.emit(); break;
         case WorldEvent::windows: windowServer.windowsChanged.emit(); break;
@@ -57,6 +58,7 @@ struct SimulatedPlatform::Parts {
   SimulatedApplications applications{world};
   SimulatedPermissions permissions{world};
   SimulatedAccessibility accessibility{world, permissions};
+  SimulatedCapture capture{world, *dispatch};
   SimulatedPreferences preferences;
   SimulatedInputEvents inputEvents{world, preferences};
   SimulatedHotKeys hotKeys{world};
@@ -112,6 +114,12 @@ InputEvents& SimulatedPlatform::inputEvents() {
 }
 HotKeyRegistrar& SimulatedPlatform::hotKeys() {
   return parts_->hotKeys;
+}
+WindowCapture& SimulatedPlatform::windowCapture() {
+  return parts_->capture;
+}
+SimulatedCapture& SimulatedPlatform::pictures() {
+  return parts_->capture;
 }
 Preferences& SimulatedPlatform::preferences() {
   return parts_->preferences;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/Platform.h"
+#include "platform/simulated/SimulatedCapture.h"
 #include "platform/simulated/SimulatedWorld.h"
 #include "platform/simulated/VirtualDispatch.h"
 
@@ -33,6 +34,7 @@ class SimulatedPlatform final : public Platform {
   AccessibilityWindows& accessibility() override;
   InputEvents& inputEvents() override;
   HotKeyRegistrar& hotKeys() override;
+  WindowCapture& windowCapture() override;
   Preferences& preferences() override;
   LoginItem& loginItem() override;
   Permissions& permissions() override;
@@ -47,6 +49,8 @@ class SimulatedPlatform final : public Platform {
   static constexpr std::int32_t ownPid = 4242;
 
   SimulatedWorld& world();
+  /// What windows and displays show, from the outside.
+  SimulatedCapture& pictures();
   /// The clock; a fatal stop when the platform was given another Dispatch.
   VirtualDispatch& time();
 

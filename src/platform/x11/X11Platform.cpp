@@ -12,6 +12,7 @@
 #include "platform/x11/Text.h"
 #include "platform/x11/X11AccessibilityWindows.h"
 #include "platform/x11/X11Applications.h"
+#include "platform/x11/X11Capture.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11InputEvents.h"
 #include "platform/x11/X11LoginItem.h"
@@ -54,6 +55,7 @@ struct X11Platform::Parts {
   X11Preferences preferences{*connection};
   X11InputEvents inputEvents{*connection, preferences, windowServer, screens};
   X11HotKeys hotKeys{*connection, pump, screens};
+  X11Capture capture{*connection, reader, screens, dispatch};
   X11LoginItem loginItem{X11LoginItem::standardFile(), X11LoginItem::ownExecutable()};
   X11Permissions permissions{*connection};
   DesktopEvents desktopEvents{*connection, reader, windowServer, pump};
@@ -103,6 +105,7 @@ X11Platform::~X11Platform() {
   parts_->lost = true;
   parts_->lostHandler = nullptr;
   parts_->pump.stop();
+  parts_->capture.stop();
   parts_->reader.stopKeepingRoot();
   // Its background jobs may be in the middle of a switch: they end while everything is still there.
   parts_->dispatchOwner.reset();
@@ -128,6 +131,9 @@ InputEvents& X11Platform::inputEvents() {
 }
 HotKeyRegistrar& X11Platform::hotKeys() {
   return parts_->hotKeys;
+}
+WindowCapture& X11Platform::windowCapture() {
+  return parts_->capture;
 }
 Preferences& X11Platform::preferences() {
   return parts_->preferences;
@@ -155,7 +161,8 @@ void X11Platform::setConnectionLostHandler(std::function<void()> handler) {
 }
 
 std::uint64_t X11Platform::roundTrips() const {
-  return parts_->connection->requests().roundTrips() + parts_->connection->events().roundTrips();
+  return parts_->connection->requests().roundTrips() + parts_->connection->events().roundTrips() +
+         parts_->capture.roundTrips();
 }
 
 }  // namespace tessaspaces

@@ -27,6 +27,7 @@ class X11Platform : public Platform {
   AccessibilityWindows& accessibility() override;
   InputEvents& inputEvents() override;
   HotKeyRegistrar& hotKeys() override;
+  WindowCapture& windowCapture() override;
   Preferences& preferences() override;
   LoginItem& loginItem() override;
   Permissions& permissions() override;

@@ -1,6 +1,7 @@
 #include "contract/SimulatedDriver.h"
 
 #include <algorithm>
+#include <map>
 
 #include "platform/simulated/SimulatedPlatform.h"
 
@@ -37,6 +38,25 @@ class SimulatedDriver final : public WorldDriver {
   void close(WindowID window) override { world().removeWindow(window); }
   void makeSticky(WindowID window) override {
     world().edit([&](WorldState& state) { state.window(window)->sticky = true; });
+  }
+  void draw(WindowID window, const Quarters& colors) override {
+    drawn_[window] = colors;
+    const auto bounds = world().state()->window(window)->reported.bounds.value();
+    auto image = std::make_shared<Image>(Image{int(*bounds.width), int(*bounds.height), {}});
+    for (int y = 0; y < image->height; ++y) {
+      for (int x = 0; x < image->width; ++x) {
+        const auto quarter = (y * 2 / image->height) * 2 + x * 2 / image->width;
+        image->pixels.push_back(0xFF000000 | colors.at(static_cast<std::size_t>(quarter)));
+      }
+    }
+    platform_.pictures().draw(window, std::move(image));
+  }
+  void resize(WindowID window, int width, int height) override {
+    world().edit([&](WorldState& state) {
+      state.window(window)->reported.bounds->width = width;
+      state.window(window)->reported.bounds->height = height;
+    });
+    draw(window, drawn_[window]);
   }
   void focus(WindowID window) override { world().focusWindow(window); }
   void showDesktop(int desktop) override { world().showSpace(spaceAt(desktop)); }
@@ -89,6 +109,7 @@ class SimulatedDriver final : public WorldDriver {
   }
 
   SimulatedPlatform platform_;
+  std::map<WindowID, Quarters> drawn_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -34,6 +35,9 @@ struct ClientWindow {
   int height = 320;
 };
 
+/// The colours (0xRRGGBB) of a window's quarters: top left, top right, bottom left, bottom right.
+using Quarters = std::array<std::uint32_t, 4>;
+
 /// The world around a platform: the user, the hardware, other programs. Each call returns when the world has
 /// done its part; what the platform makes of it may follow later. Every display has `desktopsPerDisplay`
 /// desktops at first, and the first is shown.
@@ -51,6 +55,10 @@ class WorldDriver {
   virtual WindowID open(const ClientWindow& window) = 0;
   virtual void close(WindowID window) = 0;
   virtual void makeSticky(WindowID window) = 0;
+  /// The window looks like this from now on, whenever it is on screen.
+  virtual void draw(WindowID window, const Quarters& colors) = 0;
+  /// Another size for its inside, where windows do not tile. What it looks like is drawn anew.
+  virtual void resize(WindowID window, int width, int height) = 0;
   /// The user clicks a window of the desktop that is shown.
   virtual void focus(WindowID window) = 0;
   /// The user goes to a desktop of the first display by the system's own means.

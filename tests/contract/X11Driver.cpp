@@ -36,8 +36,10 @@ harness::XServerOptions serverOptions(const std::vector<Monitor>& monitors) {
 }
 
 /// Desktops of their own for each monitor, where the window manager has such.
-harness::WindowManagerOptions managerOptions(harness::Manager manager, const std::vector<Monitor>& monitors) {
+harness::WindowManagerOptions managerOptions(harness::Manager manager, harness::Compositing compositing,
+                                             const std::vector<Monitor>& monitors) {
   harness::WindowManagerOptions options;
+  options.compositing = compositing;
   if (manager == harness::Manager::i3) {
     options.desktops = desktopsPerDisplay * static_cast<int>(monitors.size());
     for (const auto& monitor : monitors)
@@ -76,9 +78,9 @@ class EnvironmentChange {
 
 class X11Driver final : public WorldDriver {
  public:
-  X11Driver(harness::Manager manager, const std::vector<Monitor>& monitors)
+  X11Driver(harness::Manager manager, harness::Compositing compositing, const std::vector<Monitor>& monitors)
       : server_(serverOptions(monitors)),
-        manager_(server_, manager, managerOptions(manager, monitors)),
+        manager_(server_, manager, managerOptions(manager, compositing, monitors)),
         clients_(server_),
         probe_(server_),
         keyboard_(server_),
@@ -127,6 +129,14 @@ class X11Driver final : public WorldDriver {
   void makeSticky(WindowID window) override {
     probe_.moveTo(window, -1);
     require(probe_.waitFor([&] { return probe_.desktopOf(window) == -1; }), "a window does not become sticky");
+  }
+  void draw(WindowID window, const Quarters& colors) override {
+    drawn_[window] = colors;
+    clients_.draw(window, colors);
+  }
+  void resize(WindowID window, int width, int height) override {
+    clients_.resize(window, width, height);
+    clients_.draw(window, drawn_[window]);
   }
   void focus(WindowID window) override {
     probe_.activate(window);
@@ -178,19 +188,30 @@ class X11Driver final : public WorldDriver {
   harness::Keyboard keyboard_;
   harness::Pointer pointer_;
   harness::KeyHolder holder_;
+  std::map<WindowID, Quarters> drawn_;
   RunLoop* loop_ = nullptr;
   std::unique_ptr<X11Platform> platform_;
 };
+
+Backend backend(std::string name, harness::Manager manager, harness::Compositing compositing) {
+  return {std::move(name), [=](const std::vector<Monitor>& monitors) {
+            return std::make_unique<X11Driver>(manager, compositing, monitors);
+          }};
+}
 
 }  // namespace
 
 std::vector<Backend> x11Backends() {
   std::vector<Backend> backends;
   for (const auto manager : {harness::Manager::openbox, harness::Manager::xfwm4, harness::Manager::i3}) {
-    backends.push_back({std::string(harness::nameOf(manager)), [manager](const std::vector<Monitor>& monitors) {
-                          return std::make_unique<X11Driver>(manager, monitors);
-                        }});
+    backends.push_back(backend(std::string(harness::nameOf(manager)), manager, harness::Compositing::off));
   }
+  return backends;
+}
+
+std::vector<Backend> x11CaptureBackends() {
+  auto backends = x11Backends();
+  backends.push_back(backend("xfwm4_compositing", harness::Manager::xfwm4, harness::Compositing::on));
   return backends;
 }
 

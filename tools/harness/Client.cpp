@@ -71,4 +71,38 @@ void Client::setTitle(xcb_window_t window, std::string_view title) {
   x_.flush();
 }
 
+void Client::draw(xcb_window_t window, const std::array<std::uint32_t, 4>& quarters) {
+  const auto geometry = x_.reply(xcb_get_geometry_reply, xcb_get_geometry(x_.get(), window));
+  if (!geometry) throw Failure("the window to draw in is gone");
+  const xcb_pixmap_t pixmap = xcb_generate_id(x_.get());
+  xcb_create_pixmap(x_.get(), geometry->depth, pixmap, window, geometry->width, geometry->height);
+  const xcb_gcontext_t context = xcb_generate_id(x_.get());
+  xcb_create_gc(x_.get(), context, pixmap, 0, nullptr);
+  const auto halfWidth = static_cast<std::uint16_t>((geometry->width + 1) / 2);
+  const auto halfHeight = static_cast<std::uint16_t>((geometry->height + 1) / 2);
+  for (std::size_t i = 0; i < quarters.size(); ++i) {
+    const std::uint32_t pixel = 0xFF000000 | quarters.at(i);
+    xcb_change_gc(x_.get(), context, XCB_GC_FOREGROUND, &pixel);
+    const xcb_rectangle_t part{static_cast<std::int16_t>(i % 2 * halfWidth),
+                               static_cast<std::int16_t>(i / 2 * halfHeight), halfWidth, halfHeight};
+    xcb_poly_fill_rectangle(x_.get(), pixmap, context, 1, &part);
+  }
+  // As the background the server itself brings it back after each time the window was hidden.
+  xcb_change_window_attributes(x_.get(), window, XCB_CW_BACK_PIXMAP, &pixmap);
+  xcb_clear_area(x_.get(), 0, window, 0, 0, 0, 0);
+  xcb_free_gc(x_.get(), context);
+  xcb_free_pixmap(x_.get(), pixmap);
+  x_.roundTrip();
+}
+
+void Client::resize(xcb_window_t window, int width, int height) {
+  const std::uint32_t size[] = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
+  xcb_configure_window(x_.get(), window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+  const bool granted = x_.waitFor([&] {
+    const auto geometry = x_.reply(xcb_get_geometry_reply, xcb_get_geometry(x_.get(), window));
+    return geometry && geometry->width == width && geometry->height == height;
+  });
+  if (!granted) throw Failure("the window manager does not let a window change its size");
+}
+
 }  // namespace tessaspaces::harness

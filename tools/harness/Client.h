@@ -2,6 +2,8 @@
 
 #include <sys/types.h>
 
+#include <array>
+
 #include "harness/XConnection.h"
 
 namespace tessaspaces::harness {
@@ -32,6 +34,11 @@ class Client {
   xcb_window_t openUnmanaged(const WindowSpec& spec = {});
   void close(xcb_window_t window);
   void setTitle(xcb_window_t window, std::string_view title);
+  /// Makes the window look like this wherever it is laid open from now on: colours (0xRRGGBB) of its quarters, top
+  /// left, top right, bottom left, bottom right.
+  void draw(xcb_window_t window, const std::array<std::uint32_t, 4>& quarters);
+  /// Returns when the window has that size; throws when the window manager does not grant it.
+  void resize(xcb_window_t window, int width, int height);
 
   [[nodiscard]] const XConnection& connection() const { return x_; }
 

@@ -21,9 +21,13 @@ enum class Manager { none, openbox, xfwm4, i3, icewm, metacity };
 /// (some window managers then show that desktop too).
 enum class OwnBindings { none, direct };
 
+/// Whether the window manager composites: xfwm4 alone can here.
+enum class Compositing { off, on };
+
 struct WindowManagerOptions {
   int desktops = 4;
   OwnBindings bindings = OwnBindings::none;
+  Compositing compositing = Compositing::off;
   /// i3 only: the monitor that each desktop belongs to, by name, in order; empty: all on the only monitor.
   /// i3 takes left, right, up and down for directions, not for names, and counts the desktops of one monitor after
   /// those of another in an order of its own.

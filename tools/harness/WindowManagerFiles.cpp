@@ -44,6 +44,7 @@ Launch xfwm4(const XServer& server, const WindowManagerOptions& options) {
     }
   }
   const auto folder = server.home() / ".config/xfce4/xfconf/xfce-perchannel-xml";
+  const bool composites = options.compositing == Compositing::on;
   // "override" takes these shortcuts in place of the built-in ones, not in addition.
   writeFile(folder / "xfce4-keyboard-shortcuts.xml", fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-keyboard-shortcuts" version="1.0"><property name="xfwm4" type="empty">
@@ -53,11 +54,12 @@ Launch xfwm4(const XServer& server, const WindowManagerOptions& options) {
                                                                  keys));
   writeFile(folder / "xfwm4.xml", fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfwm4" version="1.0"><property name="general" type="empty">
-<property name="workspace_count" type="int" value="{}"/><property name="use_compositing" type="bool" value="false"/>
+<property name="workspace_count" type="int" value="{}"/><property name="use_compositing" type="bool" value="{}"/>
 </property></channel>
 )",
-                                              options.desktops));
-  return {{"dbus-run-session", "--", "xfwm4", "--compositor=off"}, {{"XDG_CONFIG_HOME", server.home() / ".config"}}};
+                                              options.desktops, composites));
+  return {{"dbus-run-session", "--", "xfwm4", composites ? "--compositor=on" : "--compositor=off"},
+          {{"XDG_CONFIG_HOME", server.home() / ".config"}}};
 }
 
 Launch i3(const XServer& server, const WindowManagerOptions& options) {

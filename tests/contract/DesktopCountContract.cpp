@@ -131,6 +131,15 @@ TEST_P(DesktopCountContract, ADisplayWithDesktopsOfItsOwnKeepsItsNeighboursAsThe
   EXPECT_EQ(spaces(0), others);
   EXPECT_EQ(current(0), otherCurrent);
   EXPECT_FALSE(server().removeSpace(identifier(0), grown.back())) << "it is another display's";
+
+  // What i3 would call it belongs to the other display, by the user's configuration.
+  const auto there = spaces(1);
+  const auto shownThere = current(1);
+  EXPECT_TRUE(server().addSpace(identifier(0)));
+  EXPECT_TRUE(driver->until([&] { return spaces(0).size() == others.size() + 1 && current(1) == shownThere; }));
+  driver->settle();
+  EXPECT_EQ(spaces(1), there);
+  EXPECT_EQ(current(1), shownThere);
 }
 
 INSTANTIATE_TEST_SUITE_P(Simulated, DesktopCountContract, testing::Values(simulatedBackend()),

@@ -20,6 +20,7 @@ using testing::TemporaryFolder;
 constexpr std::uint32_t runCommand = 0;
 constexpr std::uint32_t getWorkspaces = 1;
 constexpr std::uint32_t getOutputs = 3;
+constexpr std::uint32_t getConfig = 9;
 
 std::string message(std::uint32_t type, std::string_view payload, std::optional<std::uint32_t> claimed = {}) {
   const auto length = claimed.value_or(static_cast<std::uint32_t>(payload.size()));
@@ -154,38 +155,47 @@ const std::string outputs = message(getOutputs, R"([
   {"name": "east", "active": true, "rect": {"x": 960, "y": 0}}])");
 constexpr PixelRect west{0, 0, 960, 1080};
 
-std::string workspaces(std::string_view more = {}) {
-  std::string text = R"([
+const std::string workspaces = message(getWorkspaces, R"([
     {"num": 1, "name": "1", "output": "west", "visible": true, "focused": false},
     {"num": 2, "name": "2: \"a.b\"", "output": "west", "visible": false, "focused": false},
-    {"num": 3, "name": "3", "output": "east", "visible": true, "focused": true})";
-  return message(getWorkspaces, text.append(more) + "]");
-}
+    {"num": 3, "name": "3", "output": "east", "visible": true, "focused": true}])");
 
-TEST(I3Workspaces, ANumberThatBelongsToAnotherMonitorIsBroughtOver) {
-  Listener i3({outputs, workspaces(), done,
-               workspaces(R"(, {"num": 4, "name": "4", "output": "east", "visible": true, "focused": true})"), done});
+const std::string config = message(getConfig, R"({"config": "set $five 5", "included_configs": [
+  {"raw_contents": "", "variable_replaced_contents": "workspace 4 output east west\nworkspace 5 output west\n"},
+  {"variable_replaced_contents": "workspace \"6: web\" output west"}]})");
+
+TEST(I3Workspaces, ANumberThatIsKeptForAnotherMonitorIsNotTaken) {
+  Listener i3({outputs, workspaces, config, done});
   {
     auto socket = I3Socket::open(i3.path(), getpid());
     ASSERT_TRUE(socket.has_value());
     EXPECT_TRUE(addI3Workspace(*socket, west, {"1"}));
   }
   EXPECT_THAT(i3.commands(), ElementsAre(R"(workspace --no-auto-back-and-forth "1"; )"
-                                         "workspace --no-auto-back-and-forth number 4",
-                                         R"(move workspace to output "west"; )"
-                                         R"(workspace --no-auto-back-and-forth "3"; )"
-                                         "workspace --no-auto-back-and-forth number 4"));
+                                         "workspace --no-auto-back-and-forth number 5"));
+}
+
+TEST(I3Workspaces, AssignmentsAreReadAsPeopleWriteThem) {
+  const auto* text =
+      "# workspace 1 output a\n  workspace\t2   output  b c\nworkspace 3: web page output \"d\"\r\n"
+      "workspace \"4: x output y\" output e\nworkspace 5 gaps inner 0\nworkspace name output f\nworkspace 6\n"
+      "workspace \"7 output g\nworkspace 99999999999 output h\nworkspace output output\nworkspace 8 output\nworkspace";
+  EXPECT_THAT(parseI3Assignments(text), ElementsAre(I3Assignment{2, "b"}, I3Assignment{3, "d"}, I3Assignment{4, "e"}));
+  EXPECT_EQ(parseI3Config(R"({"config": "workspace"})"), "workspace") << "before i3 knew of included files";
+  for (const auto* nonsense : {"", "[]", "{}", R"({"included_configs": [1]})", R"({"config": 1})"}) {
+    EXPECT_FALSE(parseI3Config(nonsense).has_value()) << nonsense;
+  }
 }
 
 TEST(I3Workspaces, AnEmptyOneThatIsShownWouldGoAsTheNewOneComes) {
-  Listener i3({outputs, workspaces()});
+  Listener i3({outputs, workspaces, config});
   auto socket = I3Socket::open(i3.path(), getpid());
   ASSERT_TRUE(socket.has_value());
   EXPECT_FALSE(addI3Workspace(*socket, west, {"2: \"a.b\"", "3"}));
 }
 
 TEST(I3Workspaces, TheFocusReturnsToAnotherMonitorAfterARemoval) {
-  Listener i3({outputs, workspaces(), done});
+  Listener i3({outputs, workspaces, done});
   {
     auto socket = I3Socket::open(i3.path(), getpid());
     ASSERT_TRUE(socket.has_value());

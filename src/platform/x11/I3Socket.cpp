@@ -26,7 +26,8 @@ constexpr std::size_t headerSize = magic.size() + 2 * sizeof(std::uint32_t);
 constexpr std::uint32_t runCommand = 0;
 constexpr std::uint32_t getWorkspaces = 1;
 constexpr std::uint32_t getOutputs = 3;
-// Some hundred bytes for each workspace or command.
+constexpr std::uint32_t getConfig = 9;
+// Some hundred bytes for each workspace or command, a few thousand lines of configuration.
 constexpr std::uint32_t longestPayload = 1024 * 1024;
 
 bool waitFor(int descriptor, short events, Clock::time_point deadline) {
@@ -119,6 +120,20 @@ std::optional<std::vector<I3Output>> parseI3Outputs(std::string_view text) {
     outputs.push_back({std::move(*name), numberIn(*rect, "x", 0), numberIn(*rect, "y", 0), flagIn(entry, "active")});
   }
   return outputs;
+}
+
+std::optional<std::string> parseI3Config(std::string_view text) {
+  const auto document = json::parse(text, nullptr, false);
+  if (!document.is_object()) return std::nullopt;
+  std::string config;
+  if (const auto files = document.find("included_configs"); files != document.end() && files->is_array()) {
+    for (const auto& file : *files) {
+      if (!file.is_object()) return std::nullopt;
+      config += textIn(file, "variable_replaced_contents").value_or("") + '\n';
+    }
+    return config;
+  }
+  return textIn(document, "config");
 }
 
 bool parseI3Outcome(std::string_view text) {
@@ -215,6 +230,11 @@ std::optional<std::vector<I3Workspace>> I3Socket::workspaces() {
 std::optional<std::vector<I3Output>> I3Socket::outputs() {
   const auto reply = ask(getOutputs, {});
   return reply ? parseI3Outputs(*reply) : std::nullopt;
+}
+
+std::optional<std::string> I3Socket::config() {
+  const auto reply = ask(getConfig, {});
+  return reply ? parseI3Config(*reply) : std::nullopt;
 }
 
 std::optional<std::string> I3Socket::ask(std::uint32_t type, std::string_view payload) {

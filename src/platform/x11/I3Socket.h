@@ -33,6 +33,9 @@ struct I3Output {
 /// left out.
 [[nodiscard]] std::optional<std::vector<I3Workspace>> parseI3Workspaces(std::string_view json);
 [[nodiscard]] std::optional<std::vector<I3Output>> parseI3Outputs(std::string_view json);
+/// The user's configuration as i3 has read it, with what it includes, and with variables replaced where i3 tells so.
+/// Absent as above.
+[[nodiscard]] std::optional<std::string> parseI3Config(std::string_view json);
 /// Whether each of the commands worked.
 [[nodiscard]] bool parseI3Outcome(std::string_view json);
 
@@ -62,6 +65,7 @@ class I3Socket {
   bool run(std::string_view commands);
   std::optional<std::vector<I3Workspace>> workspaces();
   std::optional<std::vector<I3Output>> outputs();
+  std::optional<std::string> config();
 
  private:
   explicit I3Socket(int descriptor) : descriptor_(descriptor) {}

@@ -1,7 +1,11 @@
 #include "platform/x11/I3Workspaces.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
+#include <utility>
+
+#include "platform/x11/Text.h"
 
 namespace tessaspaces {
 namespace {
@@ -37,42 +41,75 @@ std::string visitNamed(const std::string& name) {
   return visit + quoteForI3(name);
 }
 
-long long freeNumberAfter(const Workspaces& here, const Workspaces& all) {
+long long freeNumber(const std::string& output, const Workspaces& all, const std::vector<I3Assignment>& assignments) {
   long long number = 0;
-  for (const auto& workspace : here) number = std::max<long long>(number, workspace.number);
-  const auto isTaken = [&](long long candidate) {
-    return std::any_of(all.begin(), all.end(), [&](const auto& each) { return each.number == candidate; });
+  for (const auto& workspace : all) {
+    if (workspace.output == output) number = std::max<long long>(number, workspace.number);
+  }
+  const auto isFree = [&](long long candidate) {
+    return std::none_of(all.begin(), all.end(), [&](const auto& each) { return each.number == candidate; }) &&
+           std::none_of(assignments.begin(), assignments.end(),
+                        [&](const auto& each) { return each.number == candidate && each.output != output; });
   };
   do ++number;
-  while (isTaken(number));
+  while (!isFree(number));
   return number;
+}
+
+std::string_view takeWord(std::string_view& line) {
+  line = trim(line);
+  const auto word = line.substr(0, line.find_first_of(" \t"));
+  line.remove_prefix(word.size());
+  return word;
+}
+
+/// The name of the workspace and what the line says of its output; an empty output where it speaks of something else.
+std::pair<std::string_view, std::string_view> splitAssignment(std::string_view line) {
+  line = trim(line);
+  constexpr std::string_view keyword = "output";
+  if (line.starts_with('"')) {
+    const auto end = line.find('"', 1);
+    if (end == std::string_view::npos) return {};
+    const auto name = line.substr(1, end - 1);
+    line.remove_prefix(end + 1);
+    return {name, takeWord(line) == keyword ? takeWord(line) : std::string_view()};
+  }
+  const auto name = line;
+  while (!line.empty()) {
+    const auto before = line;
+    if (takeWord(line) == keyword) return {name.substr(0, name.size() - before.size()), takeWord(line)};
+  }
+  return {};
 }
 
 }  // namespace
 
+std::vector<I3Assignment> parseI3Assignments(std::string_view config) {
+  std::vector<I3Assignment> assignments;
+  while (!config.empty()) {
+    auto line = takeLine(config);
+    if (takeWord(line) != "workspace") continue;
+    auto [name, output] = splitAssignment(line);
+    if (output.size() > 1 && output.starts_with('"') && output.ends_with('"'))
+      output = output.substr(1, output.size() - 2);
+    int number = -1;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    if (error == std::errc() && number >= 0 && !output.empty()) assignments.push_back({number, std::string(output)});
+  }
+  return assignments;
+}
+
 bool addI3Workspace(I3Socket& socket, const PixelRect& monitor, const std::set<std::string>& occupied) {
   const auto output = outputAt(socket, monitor);
-  const auto before = output ? socket.workspaces() : std::nullopt;
-  if (!before) return false;
-  const auto here = workspacesOn(*output, *before);
+  const auto all = output ? socket.workspaces() : std::nullopt;
+  const auto config = all ? socket.config() : std::nullopt;
+  if (!config) return false;
+  const auto here = workspacesOn(*output, *all);
   const auto* shown = shownOf(here);
   if (shown == nullptr || !occupied.contains(shown->name)) return false;
-  const auto number = freeNumberAfter(here, *before);
+  const auto number = freeNumber(*output, *all, parseI3Assignments(*config));
   // A new workspace opens on the output that has the focus, and visiting what an output shows gives it that.
-  const auto open = visit + ("number " + std::to_string(number));
-  if (!socket.run(visitNamed(shown->name) + "; " + open)) return false;
-
-  const auto after = socket.workspaces();
-  if (!after) return true;
-  const auto opened =
-      std::find_if(after->begin(), after->end(), [&](const auto& each) { return each.number == number; });
-  if (opened == after->end() || opened->output == *output) return true;
-  // The user's configuration gives this number to another output. Bring it over, and that one back to what it showed.
-  const auto there = workspacesOn(opened->output, *before);
-  std::string commands = "move workspace to output " + quoteForI3(*output);
-  if (const auto* displaced = shownOf(there)) commands += "; " + visitNamed(displaced->name);
-  socket.run(commands + "; " + open);
-  return true;
+  return socket.run(visitNamed(shown->name) + "; " + visit + "number " + std::to_string(number));
 }
 
 bool removeI3Workspace(I3Socket& socket, const PixelRect& monitor, const std::string& name) {

@@ -104,7 +104,7 @@ void liveWithFile(const fs::path& folder, std::string_view text, const std::opti
   }
   if (!object) require(readAll(file) == text, "an unreadable file was changed by reading it");
 
-  ConfigFile(folder, sink).set(probeKey, ConfigValue(std::string(text)));
+  require(ConfigFile(folder, sink).set(probeKey, ConfigValue(std::string(text))), "a change was not written");
   require(errors.empty(), errors);
   const auto stored = parseObject(readAll(file)).object;
   require(stored.has_value(), "the written file cannot be read");

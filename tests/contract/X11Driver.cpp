@@ -29,18 +29,26 @@ std::string layoutOf(const std::vector<Monitor>& monitors) {
   return text;
 }
 
-harness::XServerOptions serverOptions(const std::vector<Monitor>& monitors) {
+/// What the X11 worlds differ in.
+struct Setting {
+  std::string name;
+  harness::Manager manager = harness::Manager::openbox;
+  harness::Compositing compositing = harness::Compositing::off;
+  harness::SharedMemory sharedMemory = harness::SharedMemory::on;
+};
+
+harness::XServerOptions serverOptions(const Setting& setting, const std::vector<Monitor>& monitors) {
   harness::XServerOptions options;
   options.monitors = layoutOf(monitors);
+  options.sharedMemory = setting.sharedMemory;
   return options;
 }
 
 /// Desktops of their own for each monitor, where the window manager has such.
-harness::WindowManagerOptions managerOptions(harness::Manager manager, harness::Compositing compositing,
-                                             const std::vector<Monitor>& monitors) {
+harness::WindowManagerOptions managerOptions(const Setting& setting, const std::vector<Monitor>& monitors) {
   harness::WindowManagerOptions options;
-  options.compositing = compositing;
-  if (manager == harness::Manager::i3) {
+  options.compositing = setting.compositing;
+  if (setting.manager == harness::Manager::i3) {
     options.desktops = desktopsPerDisplay * static_cast<int>(monitors.size());
     for (const auto& monitor : monitors)
       options.monitors.insert(options.monitors.end(), desktopsPerDisplay, monitor.name);
@@ -78,9 +86,9 @@ class EnvironmentChange {
 
 class X11Driver final : public WorldDriver {
  public:
-  X11Driver(harness::Manager manager, harness::Compositing compositing, const std::vector<Monitor>& monitors)
-      : server_(serverOptions(monitors)),
-        manager_(server_, manager, managerOptions(manager, compositing, monitors)),
+  X11Driver(const Setting& setting, const std::vector<Monitor>& monitors)
+      : server_(serverOptions(setting, monitors)),
+        manager_(server_, setting.manager, managerOptions(setting, monitors)),
         clients_(server_),
         probe_(server_),
         keyboard_(server_),
@@ -193,25 +201,24 @@ class X11Driver final : public WorldDriver {
   std::unique_ptr<X11Platform> platform_;
 };
 
-Backend backend(std::string name, harness::Manager manager, harness::Compositing compositing) {
-  return {std::move(name), [=](const std::vector<Monitor>& monitors) {
-            return std::make_unique<X11Driver>(manager, compositing, monitors);
+Backend backend(Setting setting) {
+  const auto name = setting.name;
+  return {name, [setting = std::move(setting)](const std::vector<Monitor>& monitors) {
+            return std::make_unique<X11Driver>(setting, monitors);
           }};
 }
 
 }  // namespace
 
 std::vector<Backend> x11Backends() {
-  std::vector<Backend> backends;
-  for (const auto manager : {harness::Manager::openbox, harness::Manager::xfwm4, harness::Manager::i3}) {
-    backends.push_back(backend(std::string(harness::nameOf(manager)), manager, harness::Compositing::off));
-  }
-  return backends;
+  return {backend({"openbox", harness::Manager::openbox}), backend({"xfwm4", harness::Manager::xfwm4}),
+          backend({"i3", harness::Manager::i3})};
 }
 
 std::vector<Backend> x11CaptureBackends() {
   auto backends = x11Backends();
-  backends.push_back(backend("xfwm4_compositing", harness::Manager::xfwm4, harness::Compositing::on));
+  backends.push_back(backend({"xfwm4_compositing", harness::Manager::xfwm4, harness::Compositing::on}));
+  backends.push_back(backend({.name = "openbox_far_away", .sharedMemory = harness::SharedMemory::off}));
   return backends;
 }
 

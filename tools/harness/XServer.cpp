@@ -53,6 +53,9 @@ Command serverCommand(const XServerOptions& options) {
   for (const char* argument : {"-nolisten", "tcp", "-noreset", "-s", "0"}) command.arguments.emplace_back(argument);
   command.arguments.emplace_back(options.glx == Glx::on ? "+extension" : "-extension");
   command.arguments.emplace_back("GLX");
+  if (options.sharedMemory == SharedMemory::off) {
+    for (const char* argument : {"-extension", "MIT-SHM"}) command.arguments.emplace_back(argument);
+  }
   return command;
 }
 

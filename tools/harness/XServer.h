@@ -9,6 +9,7 @@
 namespace tessaspaces::harness {
 
 enum class Glx { off, on };
+enum class SharedMemory { off, on };
 
 /// Without a screen anybody sees, or in a window on the display that DISPLAY names.
 enum class ServerKind { hidden, nested };
@@ -19,6 +20,7 @@ struct XServerOptions {
   /// As XServer::setMonitors takes it; empty: one monitor, the whole screen.
   std::string monitors = {};
   Glx glx = Glx::off;
+  SharedMemory sharedMemory = SharedMemory::on;
   ServerKind kind = ServerKind::hidden;
 };
 

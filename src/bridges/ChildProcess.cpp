@@ -66,11 +66,11 @@ int fill(SpawnSettings& settings, int output, int errorOutput) {
   short flags = POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
   sigset_t none;
   sigset_t all;
-  ::sigemptyset(&none);
-  ::sigfillset(&all);
+  sigemptyset(&none);  // these are macros on some systems
+  sigfillset(&all);
   // These two cannot be changed, and some systems refuse the attempt.
-  ::sigdelset(&all, SIGKILL);
-  ::sigdelset(&all, SIGSTOP);
+  sigdelset(&all, SIGKILL);
+  sigdelset(&all, SIGSTOP);
 
   auto& actions = settings.actions;
   auto& attributes = settings.attributes;

@@ -217,7 +217,7 @@ std::mutex oneHand;  // there is one pointer; held for as long as a window is be
 bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop) {
   const std::unique_lock hand(oneHand, std::try_to_lock);
   if (!hand) {
-    Log::warning("DRAGSIM: window [{}] has to wait: another one is being carried", window.id);
+    Log::warning("DRAGSIM: window [{}] cannot be taken: another one is being carried", window.id);
     return false;
   }
   const auto access = platform().accessibility().find(window.pid, window.id);

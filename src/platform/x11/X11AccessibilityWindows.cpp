@@ -23,11 +23,17 @@ struct Placement {
   Rect client;  // without its border
   Rect outer;   // of the root's child that it lies in, with that one's border
   bool framed = false;
+  /// What the frame is wider and higher by, as the window table counts it.
+  Size decorations;
   /// Left, right, top, bottom.
   std::array<double, 4> extents{};
 };
 
-enum class Border { included, excluded };
+struct Area {
+  Rect inside;
+  double border = 0;
+  [[nodiscard]] Rect whole() const { return inside.inset(-border, -border); }
+};
 
 class X11Window final : public AccessibilityWindow {
  public:
@@ -89,27 +95,30 @@ std::optional<Placement> X11Window::placement() {
   const auto clientCookies = ask(window_);
   const auto outerCookies = ask(outer);
   const auto extentsCookie = askProperty(channel, window_, connection_.atoms().netFrameExtents, 4);
-  const auto receive = [&](const auto& cookies, Border border) -> std::optional<Rect> {
+  const auto receive = [&](const auto& cookies) -> std::optional<Area> {
     const auto geometry = channel.await<xcb_get_geometry_reply>(cookies.first);
     const auto position = channel.await<xcb_translate_coordinates_reply>(cookies.second);
     if (!geometry || !position) return std::nullopt;
-    const Rect inner{double(position->dst_x), double(position->dst_y), double(geometry->width),
-                     double(geometry->height)};
-    const double width = border == Border::included ? geometry->border_width : 0;
-    return inner.inset(-width, -width);
+    return Area{{double(position->dst_x), double(position->dst_y), double(geometry->width), double(geometry->height)},
+                double(geometry->border_width)};
   };
-  const auto client = receive(clientCookies, Border::excluded);
-  const auto outerArea = receive(outerCookies, Border::included);
+  const auto clientArea = receive(clientCookies);
+  const auto outerArea = receive(outerCookies);
   const auto extentsReply = channel.await<xcb_get_property_reply>(extentsCookie);
-  if (!client || !outerArea) return std::nullopt;
-  Placement placement{*client, *outerArea, outer != window_, {}};
+  if (!clientArea || !outerArea) return std::nullopt;
+  const auto& client = clientArea->inside;
+  Placement placement{
+      client, outerArea->whole(), outer != window_, {2 * clientArea->border, 2 * clientArea->border}, {}};
+  const auto& around = placement.outer;
   const auto extents = items(extentsReply);
   if (extents.size() == 4) {
     std::copy(extents.begin(), extents.end(), placement.extents.begin());
+    placement.decorations.width += placement.extents[0] + placement.extents[1];
+    placement.decorations.height += placement.extents[2] + placement.extents[3];
   } else {
     // i3 does not say; its frames fit around their windows.
-    placement.extents = {client->minX() - outerArea->minX(), outerArea->maxX() - client->maxX(),
-                         client->minY() - outerArea->minY(), outerArea->maxY() - client->maxY()};
+    placement.extents = {client.minX() - around.minX(), around.maxX() - client.maxX(), client.minY() - around.minY(),
+                         around.maxY() - client.maxY()};
   }
   return placement;
 }
@@ -150,22 +159,25 @@ bool X11Window::raise() {
 bool X11Window::place(const Rect& frame) {
   const auto& atoms = connection_.atoms();
   const auto stateCookie = askProperty(connection_.requests(), window_, atoms.netWmState, maxListedStates);
-  const auto now = this->frame();
   const auto state = connection_.requests().await<xcb_get_property_reply>(stateCookie);
   const auto found = placement();
-  if (!now || !found) return false;
+  if (!found) return false;
   const auto listed = items(state);
-  for (const auto fixed : {atoms.netWmStateFullscreen, atoms.netWmStateMaximizedHorz, atoms.netWmStateMaximizedVert}) {
-    if (std::find(listed.begin(), listed.end(), fixed) == listed.end()) continue;
-    connection_.sendToRoot(window_, atoms.netWmState, {removeState, fixed, 0, fromPager});
+  const auto isIn = [&](xcb_atom_t each) { return std::find(listed.begin(), listed.end(), each) != listed.end(); };
+  if (isIn(atoms.netWmStateFullscreen)) {
+    connection_.sendToRoot(window_, atoms.netWmState, {removeState, atoms.netWmStateFullscreen, 0, fromPager});
   }
-  // The position is that of the frame's corner, the size that of the content.
+  if (isIn(atoms.netWmStateMaximizedHorz) || isIn(atoms.netWmStateMaximizedVert)) {
+    connection_.sendToRoot(window_, atoms.netWmState,
+                           {removeState, atoms.netWmStateMaximizedHorz, atoms.netWmStateMaximizedVert, fromPager});
+  }
+  // The position is that of the frame's corner, the size that of the content: less the decorations as they are, which
+  // a maximised window may have fewer of.
   const auto number = [](double value) { return static_cast<std::uint32_t>(std::lround(value)); };
   const auto size = [&](double wanted, double decorations) { return number(std::max(1.0, wanted - decorations)); };
-  connection_.sendToRoot(
-      window_, atoms.netMoveresizeWindow,
-      {XCB_GRAVITY_NORTH_WEST | allFour << 8 | fromPager << 12, number(frame.x), number(frame.y),
-       size(frame.width, now->width - found->client.width), size(frame.height, now->height - found->client.height)});
+  connection_.sendToRoot(window_, atoms.netMoveresizeWindow,
+                         {XCB_GRAVITY_NORTH_WEST | allFour << 8 | fromPager << 12, number(frame.x), number(frame.y),
+                          size(frame.width, found->decorations.width), size(frame.height, found->decorations.height)});
   return true;
 }
 

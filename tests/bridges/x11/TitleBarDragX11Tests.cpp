@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cstdlib>
 
 #include "bridges/TitleBarDrag.h"
@@ -21,6 +22,7 @@ using namespace std::chrono_literals;
 using harness::Manager;
 using testing::Optional;
 
+constexpr std::array everyManager{Manager::openbox, Manager::xfwm4, Manager::i3, Manager::icewm, Manager::metacity};
 constexpr int homeX = 700;
 constexpr int homeY = 600;
 
@@ -50,8 +52,14 @@ class RealDrag : public testing::Test {
     auto spec = given;
     spec.pid = 5001;
     spec.desktop = 0;
-    const auto window = clients.open(spec);
-    return {window, spec.title, 5001, {}};
+    const SpaceWindow window{clients.open(spec), spec.title, 5001, {}};
+    // Listed does not mean laid out.
+    EXPECT_TRUE(eventually([&] {
+      const auto found = access(window);
+      const auto bar = found ? found->titleBar() : std::nullopt;
+      return bar && found->isAt(bar->center());
+    }));
+    return window;
   }
   std::unique_ptr<AccessibilityWindow> access(const SpaceWindow& window) {
     return platform->accessibility().find(window.pid, window.id);
@@ -159,7 +167,7 @@ TEST_P(DragThatCarries, AWindowMayCloseMidWay) {
   EXPECT_TRUE(held);
   expectHandsOff();
   // The window manager is in its right mind.
-  EXPECT_TRUE(probe.manages(open({.title = "next"}).id));
+  EXPECT_TRUE(probe.manages(clients.open({.title = "next"})));
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, DragThatCarries, testing::Values(Manager::openbox, Manager::metacity), nameOf);
@@ -179,17 +187,36 @@ TEST_P(DragInVain, IsNotTried) {
 
 INSTANTIATE_TEST_SUITE_P(X11, DragInVain, testing::Values(Manager::xfwm4, Manager::i3, Manager::icewm), nameOf);
 
-// The rest of the contract's window managers are tried there.
 TEST_P(Placing, PutsTheFrameThere) {
   start(GetParam());
   const auto found = access(open({.type = "_NET_WM_WINDOW_TYPE_DIALOG"}));
   for (const Rect& wanted : {Rect{300, 200, 600, 400}, Rect{301, 170, 500, 399}}) {
     EXPECT_TRUE(found->place(wanted));
-    EXPECT_TRUE(eventually([&] { return found->frame() == wanted; })) << found->frame()->x << ", " << found->frame()->y;
+    EXPECT_TRUE(eventually([&] { return found->frame() == wanted; }))
+        << found->frame()->x << ", " << found->frame()->y << " " << found->frame()->width;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(X11, Placing, testing::Values(Manager::i3, Manager::icewm, Manager::metacity), nameOf);
+TEST_P(Placing, AMaximisedWindowGivesThatUp) {
+  start(GetParam());
+  const auto window = open({.type = "_NET_WM_WINDOW_TYPE_DIALOG"});
+  const auto found = access(window);
+  const auto& x = probe.connection();
+  x.sendToRoot(window.id, "_NET_WM_STATE",
+               {1, x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), x.atom("_NET_WM_STATE_MAXIMIZED_VERT"), 2});
+  // i3 knows no such state.
+  const bool maximised = GetParam() == Manager::i3 || eventually([&] { return found->frame()->width >= 1900; });
+  ASSERT_TRUE(maximised);
+  const Rect wanted{300, 200, 600, 400};
+  EXPECT_TRUE(found->place(wanted));
+  EXPECT_TRUE(eventually([&] {
+    const auto frame = found->frame();
+    return Point{frame->x, frame->y} == Point{wanted.x, wanted.y} && frame->width <= wanted.width + 20;
+  })) << found->frame()->x
+      << ", " << found->frame()->width;
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, Placing, testing::ValuesIn(everyManager), nameOf);
 
 TEST_F(RealDrag, AButtonThatIsHeldIsReleasedWhenTheProgramEnds) {
   start(Manager::none);

@@ -30,6 +30,7 @@ constexpr double weightOfGap = 0.06;
 constexpr double precision = 1e-7;
 /// Halvings; ends the search for a scale where nothing fits at all.
 constexpr int mostSteps = 100;
+constexpr int gapSteps = 5;
 /// More windows than these are placed less often in the search for the best scale.
 constexpr std::size_t mostForThorough = 80;
 
@@ -101,15 +102,27 @@ class Packer {
     return fits;
   }
 
-  /// A scale between one that fits and the limit that is about the largest.
-  double large(const Strategy& strategy, double gap, double fits, double toWithin) const {
-    if (strategy(task(limit_, gap))) return limit_;
+  struct Fitting {
+    double scale;
+    Places places;
+  };
+  /// What fits at a scale between the lowest and the limit that is about the largest; absent when the lowest does not.
+  [[nodiscard]] std::optional<Fitting> large(const Strategy& strategy, double gap, double toWithin) const {
+    const auto at = [&](double scale) { return strategy(task(scale, gap)); };
+    auto lowest = at(floor_);
+    if (!lowest) return std::nullopt;
+    if (auto most = at(limit_)) return Fitting{limit_, std::move(*most)};
+    Fitting best{floor_, std::move(*lowest)};
     double fails = limit_;
-    for (int i = 0; i < mostSteps && fails - fits > toWithin * fails; ++i) {
-      const double middle = (fits + fails) / 2;
-      (strategy(task(middle, gap)) ? fits : fails) = middle;
+    for (int i = 0; i < mostSteps && fails - best.scale > toWithin * fails; ++i) {
+      const double middle = (best.scale + fails) / 2;
+      if (auto places = at(middle)) {
+        best = {middle, std::move(*places)};
+      } else {
+        fails = middle;
+      }
     }
-    return fits;
+    return best;
   }
 
   std::optional<Candidate> bestOf(const std::vector<Strategy>& strategies) const {
@@ -122,39 +135,46 @@ class Packer {
   }
 
   /// What the strategy makes of it at the scale that must be reached, or a larger one; absent when it cannot.
-  std::optional<Candidate> assess(const Strategy& strategy) const {
-    if (!strategy(task(floor_, wantedGap_))) return assessTight(strategy);
+  [[nodiscard]] std::optional<Candidate> assess(const Strategy& strategy) const {
     const bool thorough = windows_.boxes.size() <= mostForThorough;
-    const double most = large(strategy, wantedGap_, floor_, thorough ? 0.006 : 0.02);
-    auto best = place(strategy, most, wantedGap_);
+    auto most = large(strategy, wantedGap_, thorough ? 0.006 : 0.02);
+    if (!most) return assessTight(strategy);
+    auto best = finished(std::move(most->places), most->scale, wantedGap_);
+    const double spare = best.scale - floor_;
+    if (!thorough || spare < 0.02 * best.scale) return best;
     // At a smaller one there is more room to stay where one was.
-    for (const double part : {0.5, 0.0}) {
-      if (!thorough || most - floor_ < 0.02 * most) break;
-      auto other = place(strategy, floor_ + part * (most - floor_), wantedGap_);
-      if (other && other->value > best->value) best = std::move(other);
+    for (const double scale : {floor_ + spare / 2, floor_}) {
+      auto places = strategy(task(scale, wantedGap_));
+      if (!places) continue;
+      auto other = finished(std::move(*places), scale, wantedGap_);
+      if (other.value > best.value) best = std::move(other);
     }
     return best;
   }
 
   /// The same, with less air: as much as there can be at the scale that must be reached.
-  std::optional<Candidate> assessTight(const Strategy& strategy) const {
-    if (!strategy(task(floor_, hairline_))) return std::nullopt;
+  [[nodiscard]] std::optional<Candidate> assessTight(const Strategy& strategy) const {
+    auto best = strategy(task(floor_, hairline_));
+    if (!best) return std::nullopt;
     double fits = hairline_;
     double fails = wantedGap_;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < gapSteps; ++i) {
       const double middle = (fits + fails) / 2;
-      (strategy(task(floor_, middle)) ? fits : fails) = middle;
+      if (auto places = strategy(task(floor_, middle))) {
+        fits = middle;
+        best = std::move(places);
+      } else {
+        fails = middle;
+      }
     }
-    return place(strategy, floor_, fits);
+    return finished(std::move(*best), floor_, fits);
   }
 
-  std::optional<Candidate> place(const Strategy& strategy, double scale, double gap) const {
+  [[nodiscard]] Candidate finished(Places places, double scale, double gap) const {
     const auto chosen = task(scale, gap);
-    auto places = strategy(chosen);
-    if (!places) return std::nullopt;
-    relax(chosen, mostGaps * wantedGap_ - gap, *places);
-    const double value = scale / limit_ - weightOfLoss * loss(chosen, *places) - weightOfGap * (1 - gap / wantedGap_);
-    return Candidate{std::move(*places), scale, gap, value};
+    relax(chosen, mostGaps * wantedGap_ - gap, places);
+    const double value = scale / limit_ - weightOfLoss * loss(chosen, places) - weightOfGap * (1 - gap / wantedGap_);
+    return {std::move(places), scale, gap, value};
   }
 
   Task windows_;

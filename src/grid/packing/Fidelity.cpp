@@ -7,7 +7,7 @@ namespace tessaspaces::packing {
 namespace {
 
 // Of many boxes, those that come soon after one another in the list stand for all pairs.
-constexpr std::size_t comparedWithEach = 100;
+constexpr std::size_t comparedWithEach = 60;
 
 Point center(const Task& task, const Places& places, std::size_t i) {
   return {places[i].x + task.boxes[i].width / 2, places[i].y + task.boxes[i].height / 2};

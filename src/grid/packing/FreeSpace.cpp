@@ -100,10 +100,13 @@ class FreeAreas {
 std::optional<Places> placeInFreeSpace(const Task& task, Fit fit, std::span<const std::size_t> order) {
   double width = std::numeric_limits<double>::infinity();
   double height = width;
+  double area = 0;
   for (const auto& box : task.boxes) {
     width = std::min(width, box.width);
     height = std::min(height, box.height);
+    area += box.width * box.height;
   }
+  if (area > task.room.width * task.room.height) return std::nullopt;
   FreeAreas free(task.room, width, height);
   Places places(task.boxes.size());
   for (const auto index : order) {

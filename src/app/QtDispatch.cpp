@@ -155,6 +155,11 @@ TimePoint QtDispatch::now() const {
   return std::chrono::steady_clock::now();
 }
 
+bool QtDispatch::isEnding() const {
+  const std::lock_guard lock(mutex_);
+  return closed_;
+}
+
 void QtDispatch::sleep(Duration duration) {
   std::unique_lock lock(mutex_);
   changed_.wait_for(lock, duration, [this] { return closed_; });

@@ -27,6 +27,7 @@ class QtDispatch final : public Dispatch {
   [[nodiscard]] TimePoint now() const override;
   /// Cut short when the dispatch closes.
   void sleep(Duration duration) override;
+  [[nodiscard]] bool isEnding() const override;
 
   /// The program is about to end: whoever waits in `sync` or `sleep` returns at once, nothing that is still
   /// queued runs, and the background jobs are over when this returns. Main thread.
@@ -36,7 +37,7 @@ class QtDispatch final : public Dispatch {
   class Queue;
 
   std::unique_ptr<Queue> queue_;
-  std::mutex mutex_;  // guards closed_, pool_ being there, and the state of every sync call under way
+  mutable std::mutex mutex_;  // guards closed_, pool_ being there, and the state of every sync call under way
   std::condition_variable changed_;
   bool closed_ = false;
   std::unique_ptr<WorkerPool> pool_;

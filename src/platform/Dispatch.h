@@ -42,6 +42,9 @@ class Dispatch {
   [[nodiscard]] virtual TimePoint now() const = 0;
   /// Blocks the calling thread. On the simulated platform time just moves on.
   virtual void sleep(Duration duration) = 0;
+  /// The program is ending, and sleeps may return at once: whoever waits for something gives up, without taking its
+  /// not having happened for a failure. Any thread.
+  [[nodiscard]] virtual bool isEnding() const { return false; }
 };
 
 }  // namespace tessaspaces

@@ -45,6 +45,7 @@ int main(int argc, char** argv) {
     setPlatform(system.get());
   }
   const auto code = ctl::run(line.request, std::cout, std::cerr);
+  system.reset();  // what goes on in the background ends on the platform that it began on
   setPlatform(nullptr);
   return static_cast<int>(code);
 }

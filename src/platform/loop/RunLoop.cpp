@@ -37,6 +37,7 @@ RunLoop::RunLoop() {
 }
 
 RunLoop::~RunLoop() {
+  ending_ = true;
   pool_.close();
   // A running job may be waiting in sync for this very thread.
   while (!pool_.finished()) serve(now() + std::chrono::milliseconds(5));

@@ -44,6 +44,7 @@ class RunLoop final : public Dispatch {
   [[nodiscard]] bool isMainThread() const override;
   [[nodiscard]] TimePoint now() const override;
   void sleep(Duration duration) override;
+  [[nodiscard]] bool isEnding() const override { return ending_; }
 
  private:
   struct Timer {
@@ -76,6 +77,7 @@ class RunLoop final : public Dispatch {
   bool woken_ = false;
 
   std::atomic<bool> quit_ = false;
+  std::atomic<bool> ending_ = false;
   std::vector<std::shared_ptr<Timer>> timers_;   // main thread only
   std::vector<std::shared_ptr<Watch>> watches_;  // main thread only
   WorkerPool pool_;                              // last: its jobs use all of the above

@@ -1,10 +1,15 @@
 // Swipes, as the program makes them, through the platform's events.
+#include <atomic>
+
+#include "bridges/GestureSwitch.h"
 #include "bridges/SwipeEvents.h"
 #include "contract/ContractTest.h"
 #include "contract/SimulatedDriver.h"
 #ifdef TESSASPACES_CONTRACT_X11
 #include "contract/X11Driver.h"
 #endif
+#include "settings/ConfigStore.h"
+#include "support/TemporaryFolder.h"
 
 namespace tessaspaces::contract {
 
@@ -25,6 +30,16 @@ class SwipeContract : public Contract {
   Direction fingers(Direction side) {
     if (platform().preferences().naturalScrolling()) return side;
     return side == Direction::right ? Direction::left : Direction::right;
+  }
+  /// What becomes true, for the main thread, once the work has ended.
+  std::shared_ptr<bool> inBackground(std::function<void()> work) {
+    auto done = std::make_shared<bool>(false);
+    auto& dispatch = platform().dispatch();
+    dispatch.background([&dispatch, work = std::move(work), done] {
+      work();
+      dispatch.async([done] { *done = true; });
+    });
+    return done;
   }
   /// The display shows the space, and goes on showing it.
   bool staysOn(SpaceID space, std::size_t display = 0) {
@@ -97,10 +112,32 @@ TEST_P(SwipeContract, TheDisplayUnderThePointerMoves) {
   EXPECT_EQ(current(0), driver->sharedDesktops() ? left[1] : before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Simulated, SwipeContract, testing::Values(simulatedBackend()),
-                         testing::PrintToStringParamName());
+TEST_P(SwipeContract, ASwitchByGestureArrivesAndIsDrivenBack) {
+  start();
+  const tessaspaces::testing::TemporaryFolder settings;
+  ConfigStore::useDirectory(settings.path());
+  const auto all = spaces();
+  const DesktopInfo target(all[3], identifier());
+  bool moved = false;
+  auto done = inBackground([&] { moved = GestureSwitch::perform(target); });
+  ASSERT_TRUE(driver->until([&] { return *done; }));
+  EXPECT_TRUE(moved);
+  EXPECT_TRUE(staysOn(all[3])) << current();
+
+  // Something drags the display away at once.
+  switchTo(all[0]);
+  ASSERT_TRUE(driver->until([&] { return current() == all[0]; }));
+  std::atomic<bool> enough = false;
+  done = inBackground([&] { GestureSwitch::settle(target, [&] { return enough.load(); }); });
+  EXPECT_TRUE(driver->until([&] { return current() == all[3]; })) << current();
+  enough = true;
+  EXPECT_TRUE(driver->until([&] { return *done; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Simulated, SwipeContract, ::testing::Values(simulatedBackend()),
+                         ::testing::PrintToStringParamName());
 #ifdef TESSASPACES_CONTRACT_X11
-INSTANTIATE_TEST_SUITE_P(X11, SwipeContract, testing::ValuesIn(x11Backends()), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(X11, SwipeContract, ::testing::ValuesIn(x11Backends()), ::testing::PrintToStringParamName());
 #endif
 
 }  // namespace tessaspaces::contract

@@ -5,6 +5,7 @@
 
 #include "bridges/DisplaySpaces.h"
 #include "bridges/SkyLightBridge.h"
+#include "bridges/YabaiBridge.h"
 #include "model/DisplayScreens.h"
 #include "model/SnapshotCaches.h"
 #include "model/WindowMapping.h"
@@ -15,9 +16,6 @@ namespace {
 
 /// Selects spaces of every kind when asking for a window's spaces.
 constexpr int allSpacesMask = 7;
-
-/// From here on the window server offers its own operations and the external one is not asked.
-constexpr OperatingSystemVersion nativeVersion{27, 0};
 
 std::vector<DesktopRef> userDesktops(const ManagedDisplay& display) {
   const std::string displayID = display.displayIdentifier.value_or("");
@@ -99,11 +97,17 @@ std::vector<WindowID> ids(SpaceID onSpace) {
 }
 
 std::optional<int> currentDesktopIndex(const SpacesSnapshot& snapshot, const std::string& displayUUID) {
-  const auto& desktops = snapshot.desktops;
-  const SpaceID current = currentSpaceID(displayUUID);
-  const auto match =
-      std::find_if(desktops.begin(), desktops.end(), [&](const auto& desktop) { return desktop->spaceID == current; });
-  if (match != desktops.end()) return static_cast<int>(match - desktops.begin());
+  const auto indexOf = [&](SpaceID space) -> std::optional<int> {
+    const auto& desktops = snapshot.desktops;
+    const auto match =
+        std::find_if(desktops.begin(), desktops.end(), [&](const auto& desktop) { return desktop->spaceID == space; });
+    return match == desktops.end() ? std::nullopt : std::optional(static_cast<int>(match - desktops.begin()));
+  };
+  if (askYabaiFirst()) {
+    const auto focused = YabaiBridge::focusedSpaceID();
+    if (const auto index = focused ? indexOf(*focused) : std::nullopt) return index;
+  }
+  if (const auto index = indexOf(currentSpaceID(displayUUID))) return index;
   return firstCurrentIndex(snapshot);
 }
 
@@ -119,13 +123,9 @@ std::optional<SpaceWindow> focusedWindow() {
   const auto reading = platform().windowServer().beginRead();
   const auto front = platform().applications().frontmost();
   if (!front) return std::nullopt;
-  const auto entries = platform().windowList().copyWindowInfo(WindowListOption::onScreenWithoutDesktopElements);
-  if (!entries) return std::nullopt;
-  const auto match = std::find_if(entries->begin(), entries->end(), [&](const WindowInfo& entry) {
-    return entry.ownerPid == front->pid && entry.layer == 0;
-  });
-  if (match == entries->end() || !match->number || !match->bounds) return std::nullopt;
-  return spaceWindow(*match);
+  const auto window = platform().windowList().frontWindow(front->pid);
+  if (!window || !window->number || !window->bounds) return std::nullopt;
+  return spaceWindow(*window);
 }
 
 std::set<SpaceID> workspaces(WindowID ofWindow) {
@@ -172,14 +172,6 @@ void forgetEverything() {
   }
   const std::scoped_lock held(activeSpaces().activeSpaceLock);
   activeSpaces().lastKnownActiveSpaceID.clear();
-}
-
-bool askYabaiFirst() {
-  return platform().operatingSystemVersion() < nativeVersion;
-}
-
-bool movesWindowsNatively() {
-  return platform().operatingSystemVersion() >= nativeVersion;
 }
 
 }  // namespace tessaspaces::Spaces

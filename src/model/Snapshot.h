@@ -7,6 +7,7 @@
 
 #include "bridges/Desktops.h"
 #include "bridges/DisplaySpaces.h"
+#include "bridges/SystemVersion.h"
 
 /// The desktop model. Every query asks the window server when it is called; nothing is kept but what is
 /// said here. Any thread. A window server that does not answer yields an empty or absent result.
@@ -40,10 +41,5 @@ std::optional<SpaceID> cachedActiveSpaceID(const std::string& displayUUID);
 void cacheThumbnail(WindowID window, ImageRef preview);
 /// Forgets everything that this module keeps between calls: caches and remembered desktops.
 void forgetEverything();
-
-/// True below system version 27.0, where the external window manager is asked before anything else.
-bool askYabaiFirst();
-/// True from system version 27.0 on, where windows of other applications can be moved directly.
-bool movesWindowsNatively();
 
 }  // namespace tessaspaces::Spaces

@@ -40,6 +40,9 @@ class WindowList {
   virtual ~WindowList() = default;
   /// Absent when the system gives no answer.
   virtual std::optional<std::vector<WindowInfo>> copyWindowInfo(WindowListOption option) = 0;
+  /// The first window of the on-screen list that is an ordinary one of this process; absent when it has none there.
+  /// A platform that knows it need not look through the whole list.
+  virtual std::optional<WindowInfo> frontWindow(std::int32_t ofPid);
 };
 
 }  // namespace tessaspaces

@@ -43,36 +43,42 @@ std::optional<xcb_window_t> X11Applications::frontWindow(std::int32_t pid) {
   return std::nullopt;
 }
 
+xcb_get_property_cookie_t X11Applications::askClass(xcb_window_t window) {
+  return askProperty(connection_.requests(), window, XCB_ATOM_WM_CLASS, maxClassBytes / 4);
+}
+
+ApplicationInfo X11Applications::receive(std::int32_t pid, xcb_get_property_cookie_t windowClassCookie) {
+  auto names = texts(connection_.requests().await<xcb_get_property_reply>(windowClassCookie));
+  names.resize(2);
+  const auto& windowClass = names[1].empty() ? names[0] : names[1];
+  ApplicationInfo info;
+  info.pid = pid;
+  info.localizedName = windowClass;
+  if (!windowClass.empty()) info.bundleIdentifier = lowerCase(windowClass);
+  if (const auto file = desktopFiles_.find(names[0], names[1])) {
+    info.localizedName = file->name;
+    info.bundleIdentifier = file->id;
+  }
+  return info;
+}
+
 std::vector<ApplicationInfo> X11Applications::describe(const std::vector<Owned>& windows) {
-  auto& channel = connection_.requests();
   std::vector<xcb_get_property_cookie_t> cookies;
-  for (const auto& owned : windows) {
-    cookies.push_back(askProperty(channel, owned.window, XCB_ATOM_WM_CLASS, maxClassBytes / 4));
-  }
+  for (const auto& owned : windows) cookies.push_back(askClass(owned.window));
   std::vector<ApplicationInfo> result;
-  for (std::size_t i = 0; i < windows.size(); ++i) {
-    auto names = texts(channel.await<xcb_get_property_reply>(cookies[i]));
-    names.resize(2);
-    const auto& windowClass = names[1].empty() ? names[0] : names[1];
-    ApplicationInfo info;
-    info.pid = windows[i].pid;
-    info.localizedName = windowClass;
-    if (!windowClass.empty()) info.bundleIdentifier = lowerCase(windowClass);
-    if (const auto file = desktopFiles_.find(names[0], names[1])) {
-      info.localizedName = file->name;
-      info.bundleIdentifier = file->id;
-    }
-    result.push_back(std::move(info));
-  }
+  for (std::size_t i = 0; i < windows.size(); ++i) result.push_back(receive(windows[i].pid, cookies[i]));
   return result;
 }
 
 std::optional<ApplicationInfo> X11Applications::frontmost() {
   const auto active = reader_.root(RootDetail::desktops)->activeWindow;
   if (active == XCB_NONE) return std::nullopt;
-  const auto pid = receiveOwner(connection_, active, askOwner(connection_, active));
+  const auto owner = askOwner(connection_, active);
+  const auto windowClass = askClass(active);
+  const auto pid = receiveOwner(connection_, active, owner);
+  auto info = receive(pid.value_or(0), windowClass);
   if (!pid) return std::nullopt;
-  return describe({{active, *pid}}).front();
+  return info;
 }
 
 std::optional<ApplicationInfo> X11Applications::running(std::int32_t pid) {

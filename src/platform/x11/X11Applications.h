@@ -28,6 +28,8 @@ class X11Applications : public Applications {
   /// All client windows with their owners, front to back.
   std::vector<Owned> ownedWindows();
   std::optional<xcb_window_t> frontWindow(std::int32_t pid);
+  xcb_get_property_cookie_t askClass(xcb_window_t window);
+  ApplicationInfo receive(std::int32_t pid, xcb_get_property_cookie_t windowClassCookie);
   std::vector<ApplicationInfo> describe(const std::vector<Owned>& windows);
 
   Connection& connection_;

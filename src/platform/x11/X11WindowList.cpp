@@ -14,6 +14,16 @@ void putActiveFirst(std::vector<WindowInfo>& windows, xcb_window_t active) {
   std::rotate(first, found, found + 1);
 }
 
+WindowInfo described(const WindowRecord& record) {
+  WindowInfo info;
+  info.layer = record.layer;
+  info.ownerPid = record.pid;
+  info.number = record.window;
+  info.name = record.title;
+  info.bounds = record.bounds;
+  return info;
+}
+
 }  // namespace
 
 std::optional<std::vector<WindowInfo>> X11WindowList::copyWindowInfo(WindowListOption option) {
@@ -25,16 +35,24 @@ std::optional<std::vector<WindowInfo>> X11WindowList::copyWindowInfo(WindowListO
   windows.reserve(records->size());
   for (const auto& record : *records) {
     if (onScreen && (record.layer == layers::desktop || !sight.isVisible(record))) continue;
-    WindowInfo info;
-    info.layer = record.layer;
-    info.ownerPid = record.pid;
-    info.number = record.window;
-    info.name = record.title;
-    info.bounds = record.bounds;
-    windows.push_back(std::move(info));
+    windows.push_back(described(record));
   }
   if (onScreen) putActiveFirst(windows, reader_.root(RootDetail::windows)->activeWindow);
   return windows;
+}
+
+std::optional<WindowInfo> X11WindowList::frontWindow(std::int32_t ofPid) {
+  const auto scope = reader_.beginRead();
+  // In the on-screen list the active window stands before all others of its process.
+  const auto active = reader_.root(RootDetail::windows)->activeWindow;
+  const auto records = readWindows(connection_, {&active, active == XCB_NONE ? 0u : 1u}, WindowDetail::everything);
+  if (!records.empty()) {
+    const auto& record = records.front();
+    if (record.pid == ofPid && record.layer == layers::ordinary && server_.sight().isVisible(record)) {
+      return described(record);
+    }
+  }
+  return WindowList::frontWindow(ofPid);
 }
 
 }  // namespace tessaspaces

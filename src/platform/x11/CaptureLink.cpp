@@ -115,12 +115,14 @@ bool CaptureLink::readFormats(const xcb_render_query_pict_formats_reply_t& reply
        xcb_render_pictforminfo_next(&it)) {
     const auto& format = *it.data;
     const auto& direct = format.direct;
-    if (format.type == XCB_RENDER_PICT_TYPE_DIRECT && format.depth == 32 && direct.alpha_mask == 0xff &&
-        direct.alpha_shift == 24 && direct.red_shift == 16 && direct.green_shift == 8 && direct.blue_shift == 0) {
-      imageFormat_ = format.id;
+    if (format.type != XCB_RENDER_PICT_TYPE_DIRECT || direct.red_shift != 16 || direct.green_shift != 8 ||
+        direct.blue_shift != 0 || direct.red_mask != 0xff || direct.green_mask != 0xff || direct.blue_mask != 0xff) {
+      continue;
     }
+    if (format.depth == 32 && direct.alpha_mask == 0xff && direct.alpha_shift == 24) imageFormat_ = format.id;
+    if (format.depth == 24 && direct.alpha_mask == 0) opaqueFormat_ = format.id;
   }
-  return imageFormat_ != XCB_NONE;
+  return imageFormat_ != XCB_NONE && opaqueFormat_ != XCB_NONE;
 }
 
 xcb_render_pictformat_t CaptureLink::formatOf(std::uint8_t depth) const {

@@ -25,8 +25,10 @@ class CaptureLink {
 
   /// How a drawable of this depth holds colours; 0 for a depth that holds none.
   [[nodiscard]] xcb_render_pictformat_t formatOf(std::uint8_t depth) const;
-  /// 32 bits 0xAARRGGBB, premultiplied: an Image's pixels.
+  /// Depth 32, 0xAARRGGBB, premultiplied: an Image's pixels.
   [[nodiscard]] xcb_render_pictformat_t imageFormat() const { return imageFormat_; }
+  /// Depth 24, 0x..RRGGBB: the same without alpha.
+  [[nodiscard]] xcb_render_pictformat_t opaqueFormat() const { return opaqueFormat_; }
 
   /// Events by their code.
   [[nodiscard]] std::uint8_t damageEvent() const { return damageEvent_; }
@@ -56,6 +58,7 @@ class CaptureLink {
   std::uint8_t rootDepth_;
   std::map<std::uint8_t, xcb_render_pictformat_t> formats_;
   xcb_render_pictformat_t imageFormat_ = XCB_NONE;
+  xcb_render_pictformat_t opaqueFormat_ = XCB_NONE;
   std::uint8_t damageEvent_ = 0;
   std::uint8_t selectionEvent_ = 0;
   bool sharesMemory_ = false;

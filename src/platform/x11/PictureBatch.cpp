@@ -89,6 +89,9 @@ ImageRef PictureBatch::take(Slot& slot) {
   image->width = slot.size.width;
   image->height = slot.size.height;
   image->pixels.assign(pixels, pixels + count);
+  if (slot.source.opaque || slot.source.depth != 32) {
+    for (auto& pixel : image->pixels) pixel |= 0xFF000000;
+  }
   slot.reply.reset();
   return image;
 }

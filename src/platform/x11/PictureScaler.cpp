@@ -16,6 +16,7 @@ struct Stage {
   xcb_render_picture_t picture = XCB_NONE;
   xcb_pixmap_t pixmap = XCB_NONE;
   PixelRect area;
+  xcb_render_pictformat_t format = XCB_NONE;
 };
 
 class Scaling {
@@ -30,7 +31,7 @@ class Scaling {
         source.kind == PictureSource::Kind::screen ? XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS
                                                    : XCB_SUBWINDOW_MODE_CLIP_BY_CHILDREN};
     return {createPicture(source.drawable, format, XCB_RENDER_CP_REPEAT | XCB_RENDER_CP_SUBWINDOW_MODE, values.data()),
-            XCB_NONE, source.area};
+            XCB_NONE, source.area, format};
   }
 
   /// A pixmap of its own that shows `from` at that size.
@@ -38,11 +39,15 @@ class Scaling {
     Stage to;
     to.pixmap = xcb_generate_id(channel_.get());
     to.area = {0, 0, size.width, size.height};
+    // Between two formats alike the server is several times as fast.
+    const bool opaque = from.format == link_.opaqueFormat();
+    to.format = opaque ? link_.opaqueFormat() : link_.imageFormat();
+    const std::uint8_t depth = opaque ? 24 : 32;
     const auto width = static_cast<std::uint16_t>(size.width);
     const auto height = static_cast<std::uint16_t>(size.height);
-    channel_.send<xcb_create_pixmap>(std::uint8_t{32}, to.pixmap, link_.root(), width, height);
+    channel_.send<xcb_create_pixmap>(depth, to.pixmap, link_.root(), width, height);
     const std::uint32_t repeat = XCB_RENDER_REPEAT_PAD;
-    to.picture = createPicture(to.pixmap, link_.imageFormat(), XCB_RENDER_CP_REPEAT, &repeat);
+    to.picture = createPicture(to.pixmap, to.format, XCB_RENDER_CP_REPEAT, &repeat);
     if (from.area.width != size.width || from.area.height != size.height) {
       constexpr std::string_view filter = "bilinear";
       channel_.send<xcb_render_set_picture_filter>(from.picture, static_cast<std::uint16_t>(filter.size()),
@@ -61,13 +66,6 @@ class Scaling {
                                         xcb_render_picture_t{XCB_NONE}, to.picture, origin, origin, origin, origin,
                                         origin, origin, width, height);
     return to;
-  }
-
-  void makeOpaque(const Stage& stage) {
-    const xcb_render_color_t alpha{0, 0, 0, 0xffff};
-    const xcb_rectangle_t all{0, 0, static_cast<std::uint16_t>(stage.area.width),
-                              static_cast<std::uint16_t>(stage.area.height)};
-    channel_.send<xcb_render_fill_rectangles>(std::uint8_t{XCB_RENDER_PICT_OP_ADD}, stage.picture, alpha, 1U, &all);
   }
 
   void close(const Stage& stage) {
@@ -103,7 +101,6 @@ xcb_pixmap_t scaleDown(CaptureLink& link, const PictureSource& source, ImageSize
     step({stage.area.width / 2, stage.area.height / 2});
   }
   step(size);
-  if (source.opaque) scaling.makeOpaque(stage);
   scaling.closePicture(stage);
   return stage.pixmap;
 }

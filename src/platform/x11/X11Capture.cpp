@@ -1,5 +1,6 @@
 #include "platform/x11/X11Capture.h"
 
+#include <malloc.h>
 #include <xcb/xfixes.h>
 
 #include <algorithm>
@@ -20,6 +21,13 @@ constexpr auto changeInterval = 250ms;
 constexpr auto memoryTime = 5s;
 // The most that is fetched at once: more than any overview shows.
 constexpr std::size_t batchBytes = std::size_t{64} << 20U;
+
+// Pictures that were replaced leave holes of many megabytes.
+void returnFreeMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
 
 }  // namespace
 
@@ -71,7 +79,9 @@ bool X11Capture::begin() {
 }
 
 void X11Capture::stop() {
+  if (!session_) return;
   session_.reset();
+  returnFreeMemory();
 }
 
 void X11Capture::setLongestSide(int pixels) {
@@ -252,18 +262,21 @@ std::vector<WindowID> X11Capture::finishBatch() {
 }
 
 void X11Capture::releaseMemoryLater() {
+  session_->memoryUsed = dispatch_.now();
+  if (!std::exchange(session_->releasePending, true)) after(memoryTime, [this](Session&) { releaseMemory(); });
+}
+
+void X11Capture::releaseMemory() {
   auto& session = *session_;
-  session.memoryUsed = dispatch_.now();
-  if (std::exchange(session.releasePending, true)) return;
-  after(memoryTime, [this](Session& later) {
-    later.releasePending = false;
-    if (later.batch || dispatch_.now() - later.memoryUsed < memoryTime) {
-      releaseMemoryLater();
-    } else {
-      later.memory.release();
-      later.link->channel().flush();
-    }
-  });
+  const auto unused = dispatch_.now() - session.memoryUsed;
+  if (session.batch || unused < memoryTime) {
+    after(session.batch ? memoryTime : memoryTime - unused, [this](Session&) { releaseMemory(); });
+    return;
+  }
+  session.releasePending = false;
+  session.memory.release();
+  session.link->channel().flush();
+  returnFreeMemory();
 }
 
 ImageRef X11Capture::preview(WindowID window) {

@@ -59,6 +59,7 @@ class X11Capture : public WindowCapture {
   /// Waits for the batch under way, if any; the windows that got a picture by it.
   std::vector<WindowID> finishBatch();
   void releaseMemoryLater();
+  void releaseMemory();
   /// Runs `work` on the main thread after `delay`, unless `stop` has been called by then.
   void after(Duration delay, std::function<void(Session&)> work);
 

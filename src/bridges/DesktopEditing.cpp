@@ -8,6 +8,7 @@
 
 #include "bridges/DesktopRenumbering.h"
 #include "bridges/DisplaySpaces.h"
+#include "bridges/SystemVersion.h"
 #include "bridges/YabaiBridge.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
@@ -19,9 +20,6 @@ using namespace std::chrono_literals;
 
 constexpr auto patience = 1s;
 constexpr auto pollInterval = 10ms;
-
-/// From here on the window server offers its own operations and the external one is not asked.
-constexpr OperatingSystemVersion nativeVersion{27, 0};
 
 std::atomic<bool> underWay = false;
 
@@ -71,7 +69,7 @@ std::vector<SpaceID> awaitDesktops(const std::string& displayUUID,
 }
 
 bool asksYabai() {
-  return platform().operatingSystemVersion() < nativeVersion && YabaiBridge::isAvailable();
+  return askYabaiFirst() && YabaiBridge::isAvailable();
 }
 
 bool requestAdding(const std::string& displayUUID) {

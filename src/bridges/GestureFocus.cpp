@@ -82,11 +82,12 @@ void claimActivationBeforeCorrection(const DesktopInfo& target, const std::funct
   });
 }
 
-void focusTarget(const DesktopInfo& target) {
+void focusTarget(const DesktopInfo& target, Overtaken overtaken) {
   const auto goal = goalOf(target);
   if (!goal) return;
-  platform().dispatch().async([goal = *goal] {
-    if (!isShown(goal)) return;
+  platform().dispatch().async([goal = *goal, overtaken = std::move(overtaken)] {
+    // A later switch that has not arrived yet would be taken back.
+    if ((overtaken && overtaken()) || !isShown(goal)) return;
     activate(goal);
     const auto& [id, title, pid, bounds] = goal.window;
     if (const auto window = platform().accessibility().find(pid, id)) {

@@ -136,8 +136,9 @@ class Drive {
   PointerVisit pointer_;
 };
 
-/// `generation` is the one that this switch has begun.
-bool drive(const DesktopInfo& target, std::uint64_t generation, const Overtaken& overtaken) {
+/// `generation` is the one that this switch has begun; `overtakenLater` may be asked after this has returned.
+bool drive(const DesktopInfo& target, std::uint64_t generation, const Overtaken& overtaken,
+           const Overtaken& overtakenLater) {
   auto ids = Spaces::allSpaceIDs(target.displayUUID);
   const auto targetIndex = positionOf(ids, target.spaceID);
   if (!targetIndex) {
@@ -147,7 +148,9 @@ bool drive(const DesktopInfo& target, std::uint64_t generation, const Overtaken&
   Drive drive(target, std::move(ids), *targetIndex, overtaken);
   const bool moved = drive.run();
   if (moved && !drive.overtaken() && Spaces::currentSpaceID(target.displayUUID) == target.spaceID) {
-    claimActivation(target, [generation] { return switchGeneration == generation; });
+    claimActivation(target, [generation, overtakenLater] {
+      return switchGeneration == generation && !(overtakenLater && overtakenLater());
+    });
   }
   return moved;
 }
@@ -194,7 +197,9 @@ class Keeper {
     auto expected = generation_;
     if (!switchGeneration.compare_exchange_strong(expected, generation_ + 1)) return false;
     ++generation_;
-    if (drive(target_, generation_, [this] { return !ownsDisplay(); }) && ownsDisplay()) focusTarget(target_);
+    const auto moved = drive(
+        target_, generation_, [this] { return !ownsDisplay(); }, overtaken_);
+    if (moved && ownsDisplay()) focusTarget(target_, overtaken_);
     return ownsDisplay();
   }
 
@@ -206,7 +211,7 @@ class Keeper {
 }  // namespace
 
 bool perform(const DesktopInfo& target, const Overtaken& overtaken) {
-  return drive(target, ++switchGeneration, overtaken);
+  return drive(target, ++switchGeneration, overtaken, overtaken);
 }
 
 void settle(const DesktopInfo& target, const Overtaken& overtaken) {

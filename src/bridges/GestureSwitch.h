@@ -32,7 +32,8 @@ bool perform(const DesktopInfo& target, const Overtaken& overtaken = {});
 void settle(const DesktopInfo& target, const Overtaken& overtaken = {});
 
 /// Brings the target's first window forward and gives it the focus: later, on the main thread, and only if the display
-/// shows the target then. Does nothing for a desktop without windows. Returns at once. Any thread.
-void focusTarget(const DesktopInfo& target);
+/// shows the target then. Does nothing for a desktop without windows. Returns at once; `overtaken` is asked later. Any
+/// thread.
+void focusTarget(const DesktopInfo& target, Overtaken overtaken = {});
 
 }  // namespace tessaspaces::GestureSwitch

@@ -41,8 +41,25 @@ std::optional<HotkeyDisplay> desktopsForHotkey() {
 
 /// A move watches its window for a good while: a key held down must not take every background thread for moves
 /// and keep switches waiting.
-constexpr int maxMovesUnderWay = 2;
-std::atomic<int> movesUnderWay = 0;
+constexpr int maxMovesUnderWay = 3;
+
+/// One of the moves under way, given back when the last copy of what holds it goes, run or not.
+class MoveSlot {
+ public:
+  /// Null when there are too many.
+  static std::shared_ptr<MoveSlot> take() {
+    auto slot = std::make_shared<MoveSlot>();
+    return slot->position_ < maxMovesUnderWay ? slot : nullptr;
+  }
+  MoveSlot() : position_(taken.fetch_add(1)) {}
+  ~MoveSlot() { --taken; }
+  MoveSlot(const MoveSlot&) = delete;
+  MoveSlot& operator=(const MoveSlot&) = delete;
+
+ private:
+  static inline std::atomic<int> taken = 0;
+  const int position_;
+};
 
 int count(const HotkeyDisplay& display) {
   return static_cast<int>(display.snap.desktops.size());
@@ -79,7 +96,8 @@ bool stepTo(DesktopPlan& plan, GridDirection direction) {
 bool moveToTarget(const WindowMovePlan& plan) {
   const auto& target = plan.desktop.target;
   if (!movesWindowsNatively()) return YabaiBridge::moveFocusedWindow(target->spaceID);
-  if (move(plan.window->id, target->spaceID)) return true;
+  const auto result = tryMove(plan.window->id, target->spaceID);
+  if (result != MoveResult::failed) return result == MoveResult::moved;
   // It ignores every request: what is left is what a hand would do.
   const auto& from = plan.desktop.display.snap.desktops[static_cast<std::size_t>(*plan.desktop.fromIndex)];
   return dragAlong(*plan.window, from, target);
@@ -167,16 +185,17 @@ bool switchToDesktop(int number, SwitchCompletion completion) {
 bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion completion) {
   auto plan = planMoveFocusedWindow(direction);
   if (plan.desktop.outcome != CommandOutcome::ready) return false;
-  if (movesUnderWay.fetch_add(1) >= maxMovesUnderWay) {
-    --movesUnderWay;
+  auto slot = MoveSlot::take();
+  if (!slot) {
     Log::warning("HOTKEY: move window — earlier moves are still under way, doing nothing");
     return false;
   }
-  platform().dispatch().background([plan = std::move(plan), completion = std::move(completion)] {
-    const bool moved = carryOut(plan);
-    --movesUnderWay;
-    if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
-  });
+  platform().dispatch().background(
+      [plan = std::move(plan), completion = std::move(completion), slot = std::move(slot)]() mutable {
+        const bool moved = carryOut(plan);
+        slot.reset();
+        if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
+      });
   return true;
 }
 

@@ -28,8 +28,9 @@ SwitchResult verifySwitch(const SwitchAttempt& attempt, const std::string& metho
   const auto& target = *attempt.target;
   SpaceID active = 0;
   bool arrived = false;
-  for (int look = 0; look < verifyPolls && !arrived && !attempt.request.overtakenBy(); ++look) {
+  for (int look = 0; look < verifyPolls && !arrived; ++look) {
     platform().dispatch().sleep(verifyInterval);
+    if (attempt.isOver()) return SwitchResult::failed;
     active = currentSpaceID(target.displayUUID);
     arrived = active == target.spaceID;
   }
@@ -50,18 +51,19 @@ bool arrivesBridged(SwitchAttempt& attempt) {
   const auto& target = *attempt.target;
   const auto hiding = allSpacesBut(target.spaceID, target.displayUUID);
   attempt.reading.reset();  // from here on the answers must be new ones
-  if (!SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding)) {
-    Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
-    return false;
+  bool handedOver = false;
+  {
+    const auto turn = attempt.request.takeTurn();
+    if (!turn) return false;
+    handedOver = SLS::bridgedSwitchSpace(target.displayUUID, target.spaceID, hiding);
   }
-  if (const auto later = attempt.request.overtakenBy()) {
-    // This thread may have come to it behind the later switch's: the latest wish has the last word.
-    SLS::bridgedSwitchSpace(later->display, later->target, allSpacesBut(later->target, later->display));
+  if (!handedOver) {
+    Log::warning("SWITCH: bridged operation unavailable, falling back to gesture");
     return false;
   }
   for (int look = 0; look < bridgedPolls; ++look) {
     if (currentSpaceID(target.displayUUID) == target.spaceID) return true;
-    if (attempt.request.overtakenBy()) return false;
+    if (attempt.isOver()) return false;
     platform().dispatch().sleep(bridgedPollInterval);
   }
   Log::warning("SWITCH: bridged switch to {} did not arrive, falling back to gesture", target.spaceID);
@@ -70,12 +72,16 @@ bool arrivesBridged(SwitchAttempt& attempt) {
 
 }  // namespace
 
+bool SwitchAttempt::isOver() const {
+  return request.overtakenBy().has_value() || platform().dispatch().isEnding();
+}
+
 SwitchResult switchBridged(SwitchAttempt& attempt) {
   if (!arrivesBridged(attempt)) return SwitchResult::failed;
   const auto& target = *attempt.target;
   Log::debug("SWITCH: method 'bridged' -> active={} target={} OK", attempt.active, target.spaceID);
   setLastSwitchMethod("bridged");
-  GestureSwitch::focusTarget(target);
+  GestureSwitch::focusTarget(target, attempt.request.overtaking());
   return SwitchResult::arrived;
 }
 
@@ -84,17 +90,23 @@ SwitchResult switchByGesture(SwitchAttempt& attempt) {
   const auto overtaken = attempt.request.overtaking();
   if (!GestureSwitch::perform(target, overtaken)) return SwitchResult::failed;
   const SpaceID active = currentSpaceID(target.displayUUID);
-  if (active != target.spaceID) return SwitchResult::failed;
+  if (active != target.spaceID || overtaken()) return SwitchResult::failed;
   Log::debug("SWITCH: method 'gesture' -> active={} target={} OK", active, target.spaceID);
   setLastSwitchMethod("gesture");
-  GestureSwitch::focusTarget(target);
+  GestureSwitch::focusTarget(target, overtaken);
   platform().dispatch().background(
       [desktop = attempt.target, overtaken] { GestureSwitch::settle(*desktop, overtaken); });
   return SwitchResult::arrived;
 }
 
 SwitchResult switchByYabai(SwitchAttempt& attempt) {
-  switch (YabaiBridge::focusSpace(attempt.target->spaceID)) {
+  auto result = YabaiBridge::FocusResult::failed;
+  {
+    const auto turn = attempt.request.takeTurn();
+    if (!turn) return SwitchResult::failed;
+    result = YabaiBridge::focusSpace(attempt.target->spaceID);
+  }
+  switch (result) {
     case YabaiBridge::FocusResult::switched: return verifySwitch(attempt, "yabai");
     case YabaiBridge::FocusResult::alreadyThere:
       Log::debug("SWITCH: yabai reports we are already on the target, nothing to do");
@@ -114,15 +126,21 @@ SwitchResult switchByActivation(SwitchAttempt& attempt) {
   if (target.windows.empty()) return SwitchResult::failed;
   const auto application = platform().applications().running(target.windows.front().pid);
   if (!application) return SwitchResult::failed;
+  auto turn = attempt.request.takeTurn();
+  if (!turn) return SwitchResult::failed;
   Log::debug("SWITCH: trying to activate app '{}' (pid {}) which has a window on target", application->localizedName,
              application->pid);
   platform().dispatch().sync([pid = application->pid] { platform().applications().activate(pid); });
+  turn.reset();
   return verifySwitch(attempt, "aktivace aplikace");
 }
 
 SwitchResult switchDegraded(SwitchAttempt& attempt) {
   const auto& target = *attempt.target;
+  auto turn = attempt.request.takeTurn();
+  if (!turn) return SwitchResult::failed;
   SLS::managedDisplaySetCurrentSpace(target.displayUUID, target.spaceID);
+  turn.reset();
   const SpaceID active = currentSpaceID(target.displayUUID);
   Log::warning(
       "SWITCH: DEGRADED via raw SLS (active={}) — windows from the previous desktop may remain visible; yabai is "

@@ -18,12 +18,15 @@ struct SwitchAttempt {
   SpaceID active = 0;
   /// Holds together what is asked before the first method; a rung lets it go before it looks at the display.
   std::unique_ptr<ReadScope> reading;
+
+  /// Overtaken, or the program is ending: whoever waits for the display gives up and draws no conclusion.
+  [[nodiscard]] bool isOver() const;
 };
 
 enum class SwitchResult {
   arrived,
   refused,  // must not be tried now by any method
-  failed,   // or overtaken: the caller asks the request
+  failed,   // or over: the caller asks the attempt
 };
 
 /// The window server's own operation.

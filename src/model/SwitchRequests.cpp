@@ -1,13 +1,14 @@
 #include "model/SwitchRequests.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <mutex>
-#include <set>
 #include <utility>
 #include <vector>
 
-#include "model/Snapshot.h"
+#include "bridges/DisplaySpaces.h"
+#include "platform/Platform.h"
 
 namespace tessaspaces::Spaces {
 namespace {
@@ -21,13 +22,27 @@ struct Wishes {
   /// Guards all below.
   std::mutex lock;
   std::uint64_t last = 0;
-  std::map<std::string, LatestWish> latest;                 // by display
-  std::map<std::string, std::set<std::uint64_t>> underWay;  // by display
+  std::map<std::string, LatestWish> latest;  // by display
+  struct UnderWay {
+    std::string display;
+    SpaceID target = 0;
+  };
+  std::map<std::uint64_t, UnderWay> underWay;  // by number
+  bool turnTaken = false;
 };
 
 Wishes& wishes() {
   static Wishes instance;
   return instance;
+}
+
+constexpr auto turnPoll = std::chrono::milliseconds(1);
+
+/// Whether a wish concerns the display. Displays that share their desktops all change with one of them.
+bool shares(const std::string& display, const SwitchRequest::Successor& wish) {
+  if (wish.display == display) return true;
+  const auto spaces = allSpaceIDs(display);
+  return std::find(spaces.begin(), spaces.end(), wish.target) != spaces.end();
 }
 
 }  // namespace
@@ -37,13 +52,13 @@ SwitchRequest::SwitchRequest(std::string display, SpaceID target) : wish_{std::m
   const std::scoped_lock held(all.lock);
   wish_.number = ++all.last;
   all.latest[wish_.display] = {wish_.number, wish_.target};
-  all.underWay[wish_.display].insert(wish_.number);
+  all.underWay[wish_.number] = {wish_.display, wish_.target};
 }
 
 SwitchRequest::~SwitchRequest() {
   auto& all = wishes();
   const std::scoped_lock held(all.lock);
-  all.underWay[wish_.display].erase(wish_.number);
+  all.underWay.erase(wish_.number);
 }
 
 std::optional<SwitchRequest::Successor> SwitchRequest::overtakenBy() const {
@@ -65,22 +80,48 @@ std::optional<SwitchRequest::Successor> SwitchRequest::successorOf(const Wish& w
   }
   std::sort(later.begin(), later.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
   for (auto& [number, successor] : later) {
-    // Displays that share their desktops all change with one of them.
-    if (successor.display != wish.display) {
-      const auto mine = allSpaceIDs(wish.display);
-      if (std::find(mine.begin(), mine.end(), successor.target) == mine.end()) continue;
-    }
+    if (!shares(wish.display, successor)) continue;
     if (successor.target == wish.target) return std::nullopt;
     return std::move(successor);
   }
   return std::nullopt;
 }
 
-bool SwitchRequest::followsUnfinished() const {
+std::function<bool()> SwitchRequest::overtakingFromNow(std::string display, SpaceID target) {
   auto& all = wishes();
   const std::scoped_lock held(all.lock);
-  const auto& numbers = all.underWay[wish_.display];
-  return !numbers.empty() && *numbers.begin() < wish_.number;
+  return [wish = Wish{std::move(display), target, all.last}] { return successorOf(wish).has_value(); };
+}
+
+bool SwitchRequest::followsUnfinished() const {
+  std::vector<Successor> earlier;
+  {
+    auto& all = wishes();
+    const std::scoped_lock held(all.lock);
+    for (const auto& [number, other] : all.underWay) {
+      if (number < wish_.number && other.target != wish_.target) earlier.push_back({other.display, other.target});
+    }
+  }
+  return std::any_of(earlier.begin(), earlier.end(),
+                     [&](const Successor& other) { return shares(wish_.display, other); });
+}
+
+std::unique_ptr<SwitchRequest::Turn> SwitchRequest::takeTurn() const {
+  auto& all = wishes();
+  while (true) {
+    if (overtakenBy() || platform().dispatch().isEnding()) return nullptr;
+    {
+      const std::scoped_lock held(all.lock);
+      if (!std::exchange(all.turnTaken, true)) return std::unique_ptr<Turn>(new Turn);
+    }
+    platform().dispatch().sleep(turnPoll);
+  }
+}
+
+SwitchRequest::Turn::~Turn() {
+  auto& all = wishes();
+  const std::scoped_lock held(all.lock);
+  all.turnTaken = false;
 }
 
 }  // namespace tessaspaces::Spaces

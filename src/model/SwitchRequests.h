@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -29,8 +30,27 @@ class SwitchRequest {
   /// The same question as yes or no, to be asked even after this wish has ended.
   [[nodiscard]] std::function<bool()> overtaking() const;
 
-  /// Whether an earlier switch of the display has not ended yet: what it shows now will not last.
+  /// Asked later: whether, since this call, somebody has wished for something else than `target` on the display.
+  static std::function<bool()> overtakingFromNow(std::string display, SpaceID target);
+
+  /// Whether an earlier switch to another desktop of the display has not ended yet: what it shows now will not last.
   [[nodiscard]] bool followsUnfinished() const;
+
+  /// One request at a time goes out to the system, so that the latest wish has the last word whichever thread comes
+  /// to it first.
+  class Turn {
+   public:
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+   private:
+    friend class SwitchRequest;
+    Turn() = default;
+  };
+  /// Waits until no other wish is in the middle of a request. Null when this wish is overtaken by then, or the program
+  /// is ending: it must not ask any more. Not to be held while the display is watched.
+  [[nodiscard]] std::unique_ptr<Turn> takeTurn() const;
 
  private:
   struct Wish {

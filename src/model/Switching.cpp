@@ -50,15 +50,9 @@ bool performSwitchTo(const DesktopRef& desktop, const SwitchRequest& request) {
     const auto result = rung(attempt);
     if (result == SwitchResult::arrived) return true;
     if (request.overtakenBy()) return giveWay(target);
-    if (result == SwitchResult::refused) return false;
+    if (result == SwitchResult::refused || attempt.isOver()) return false;
   }
   return false;
-}
-
-bool switchTo(const DesktopRef& desktop, const SwitchRequest& request) {
-  if (!performSwitchTo(desktop, request)) return false;
-  rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
-  return true;
 }
 
 void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completion) {
@@ -72,6 +66,13 @@ void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completio
 }
 
 }  // namespace
+
+bool switchTo(const DesktopRef& desktop, const SwitchRequest& request) {
+  if (!performSwitchTo(desktop, request)) return false;
+  // A later switch may have arrived, and been noted, meanwhile.
+  if (!request.overtakenBy()) rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
+  return true;
+}
 
 bool switchTo(const DesktopRef& desktop) {
   return switchTo(desktop, SwitchRequest(desktop->displayUUID, desktop->spaceID));

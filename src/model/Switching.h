@@ -6,6 +6,7 @@
 
 #include "bridges/Desktops.h"
 #include "model/Navigation.h"
+#include "model/SwitchRequests.h"
 
 /// Making a desktop the current one of its display. No system promises that this works, so the methods
 /// are tried in an order that depends on the system version, from the cleanest to the crudest, and after
@@ -19,6 +20,9 @@ using SwitchCompletion = std::function<void(bool arrived)>;
 /// earlier one that has not arrived, which then gives up without another try. Blocks for up to about a second, so it
 /// belongs off the main thread. After a success the target is remembered as the display's active space.
 bool switchTo(const DesktopRef& desktop);
+
+/// The same for a wish that the caller has made, and keeps for as long as it wants to know what overtook it.
+bool switchTo(const DesktopRef& desktop, const SwitchRequest& request);
 
 /// Switches off the main thread, with the user's transition where there is one, then runs the completion.
 void switchAnimated(const DesktopRef& desktop, std::optional<GridDirection> direction,

@@ -2,7 +2,10 @@
 
 #include <array>
 #include <chrono>
+#include <cstdint>
 #include <functional>
+#include <map>
+#include <mutex>
 
 #include "bridges/SkyLightBridge.h"
 #include "bridges/YabaiBridge.h"
@@ -20,6 +23,48 @@ constexpr Duration settleTime = 180ms;
 /// The marker that the window server's older move call finds the target space by; the value is fixed.
 constexpr std::int32_t temporaryCompatID = 0x79616265;
 
+/// There is one such marker for all moves: held while it names a space, and neither over a wait nor a log line.
+std::mutex compatLock;
+
+/// Which move of each window is the latest: an earlier one must not take the window back.
+struct LatestMoves {
+  std::mutex lock;  // guards both
+  std::uint64_t last = 0;
+  std::map<WindowID, std::uint64_t> numbers;
+};
+
+LatestMoves& latestMoves() {
+  static LatestMoves instance;
+  return instance;
+}
+
+class MoveRequest {
+ public:
+  explicit MoveRequest(WindowID window) : window_(window) {
+    const std::scoped_lock held(latestMoves().lock);
+    number_ = latestMoves().numbers[window_] = ++latestMoves().last;
+  }
+  ~MoveRequest() {
+    const std::scoped_lock held(latestMoves().lock);
+    const auto latest = latestMoves().numbers.find(window_);
+    if (latest != latestMoves().numbers.end() && latest->second == number_) latestMoves().numbers.erase(latest);
+  }
+  MoveRequest(const MoveRequest&) = delete;
+  MoveRequest& operator=(const MoveRequest&) = delete;
+
+  [[nodiscard]] bool isOver() const {
+    if (platform().dispatch().isEnding()) return true;
+    const std::scoped_lock held(latestMoves().lock);
+    const auto latest = latestMoves().numbers.find(window_);
+    // A later one may even have ended already.
+    return latest == latestMoves().numbers.end() || latest->second != number_;
+  }
+
+ private:
+  const WindowID window_;
+  std::uint64_t number_ = 0;
+};
+
 struct Attempt {
   const char* method;
   std::function<void()> action;
@@ -27,7 +72,8 @@ struct Attempt {
 
 }  // namespace
 
-bool move(WindowID window, SpaceID toSpace) {
+MoveResult tryMove(WindowID window, SpaceID toSpace) {
+  const MoveRequest request(window);
   const std::array<WindowID, 1> windows{window};
   const std::array<SpaceID, 1> target{toSpace};
   const std::array<Attempt, 4> attempts{{
@@ -35,6 +81,7 @@ bool move(WindowID window, SpaceID toSpace) {
       {"SLSMoveWindowsToManagedSpace", [&] { SLS::moveWindowsToManagedSpace(windows, toSpace); }},
       {"SLSSetWindowListWorkspace (compat ID)",
        [&] {
+         const std::scoped_lock held(compatLock);
          SLS::spaceSetCompatID(toSpace, temporaryCompatID);
          SLS::setWindowListWorkspace(windows, temporaryCompatID);
          SLS::spaceSetCompatID(toSpace, 0);
@@ -51,13 +98,21 @@ bool move(WindowID window, SpaceID toSpace) {
   for (const auto& attempt : attempts) {
     attempt.action();
     platform().dispatch().sleep(settleTime);
+    if (request.isOver()) {
+      Log::debug("MOVE: overtaken [{}] -> space {}", window, toSpace);
+      return MoveResult::overtaken;
+    }
     if (workspaces(window).contains(toSpace)) {
       Log::info("MOVE OK [{}] -> space {} VIA {}", window, toSpace, attempt.method);
-      return true;
+      return MoveResult::moved;
     }
   }
   Log::error("MOVE FAILED [{}] -> space {} (likely SIP / newer macOS)", window, toSpace);
-  return false;
+  return MoveResult::failed;
+}
+
+bool move(WindowID window, SpaceID toSpace) {
+  return tryMove(window, toSpace) == MoveResult::moved;
 }
 
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {

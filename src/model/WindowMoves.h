@@ -9,6 +9,14 @@ namespace tessaspaces::Spaces {
 /// belongs off the main thread.
 bool move(WindowID window, SpaceID toSpace);
 
+enum class MoveResult {
+  moved,
+  failed,
+  overtaken,  // by a later move of the same window, or by the end of the program: no sign that it cannot be moved
+};
+/// `move`, with what else may become of it.
+MoveResult tryMove(WindowID window, SpaceID toSpace);
+
 /// The same for a window of another application by whatever way this system has: where windows cannot be moved
 /// natively, through the external window manager.
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace);

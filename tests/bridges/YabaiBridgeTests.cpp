@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 
 #include <atomic>
 #include <fstream>
@@ -8,6 +7,7 @@
 #include "bridges/SpaceList.h"
 #include "bridges/YabaiBridge.h"
 #include "support/CoreTest.h"
+#include "support/YabaiClient.h"
 
 namespace tessaspaces {
 namespace {
@@ -21,62 +21,24 @@ using YabaiBridge::FocusResult;
 constexpr const char* threeSpaces = R"([{"id": 11, "index": 1, "has-focus": false, "windows": [5, 6]},
   {"id": 12, "index": 2, "has-focus": true, "windows": []}, {"id": 13, "index": 3, "has-focus": false}])";
 
-/// A client that is really run: a shell script that notes its arguments and then does what the test wrote down for
-/// these arguments, or nothing.
 class YabaiBridgeTest : public CoreTest {
  protected:
-  YabaiBridgeTest() {
-    start("left 960x1080 | A* B");
-    YabaiBridge::forgetEverything();
-    YabaiBridge::useCandidatePaths({first(), second()});
-  }
-  ~YabaiBridgeTest() override {
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left";
-    YabaiBridge::forgetEverything();
-  }
+  YabaiBridgeTest() { start("left 960x1080 | A* B"); }
 
-  [[nodiscard]] std::string first() const { return folder / "first"; }
-  [[nodiscard]] std::string second() const { return folder / "second"; }
-  [[nodiscard]] std::string client() const {
-    return "#!/bin/sh\n"
-           "cd " +
-           folder.string() +
-           "\n"
-           "{ printf '%s\\n' \"$@\"; echo; } >> calls\n"
-           "[ ! -e \"on $*\" ] || . \"./on $*\"\n";
-  }
-
+  [[nodiscard]] std::string first() const { return client_.first(); }
+  [[nodiscard]] std::string second() const { return client_.second(); }
+  [[nodiscard]] std::string client() const { return client_.script(); }
   static void putFile(const std::string& path, std::string_view text, bool executable = true) {
-    std::ofstream(path + ".new") << text;
-    using std::filesystem::perms;
-    std::filesystem::permissions(path + ".new", executable ? perms::owner_all : perms::owner_read);
-    std::filesystem::rename(path + ".new", path);
+    YabaiClient::putFile(path, text, executable);
   }
-  void install() { putFile(second(), client()); }
-  /// From now on the client runs `commands` when it gets these arguments.
-  void on(const std::string& arguments, std::string_view commands) {
-    std::ofstream(folder / ("on " + arguments)) << commands;
-  }
-  void answerQuery(std::string_view json) { on("-m query --spaces", "cat <<'END'\n" + std::string(json) + "\nEND\n"); }
+  void install() const { client_.install(); }
+  void on(const std::string& arguments, std::string_view commands) const { client_.on(arguments, commands); }
+  void answerQuery(std::string_view json) const { client_.answerQuery(json); }
+  std::vector<YabaiClient::Arguments> takeCalls() const { return client_.takeCalls(); }
 
-  /// The argument lists of the client's runs since the last call.
-  std::vector<std::vector<std::string>> takeCalls() {
-    std::vector<std::vector<std::string>> calls;
-    std::ifstream file(folder / "calls");
-    std::vector<std::string> arguments;
-    for (std::string line; std::getline(file, line);) {
-      if (line.empty()) {
-        calls.push_back(std::exchange(arguments, {}));
-      } else {
-        arguments.push_back(line);
-      }
-    }
-    std::filesystem::remove(folder / "calls");
-    return calls;
-  }
-
-  const std::vector<std::string> query{"-m", "query", "--spaces"};
-  const std::vector<std::string> probe{"-m", "query", "--windows"};
+  YabaiClient client_{folder};
+  const YabaiClient::Arguments query = YabaiClient::query;
+  const YabaiClient::Arguments probe = YabaiClient::probe;
 };
 
 TEST_F(YabaiBridgeTest, FindsTheFirstExecutableCandidate) {

@@ -4,6 +4,7 @@
 #include "model/Snapshot.h"
 #include "settings/Settings.h"
 #include "support/CoreTest.h"
+#include "support/YabaiClient.h"
 
 namespace tessaspaces {
 namespace {
@@ -108,6 +109,7 @@ TEST_F(Commands, CarryTheFocusedWindowAndStay) {
 }
 
 TEST_F(Commands, OldSystemsCannotCarryWindows) {
+  const YabaiClient client(folder);  // not installed
   start("left 960x1080 | A* [Editor] B", {26, 9});
   world().focusWindow(Spaces::ids(1).at(0));
   EXPECT_THAT(run([] { return Spaces::moveFocusedWindowToNeighbor(right); }, false),

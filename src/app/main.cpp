@@ -116,6 +116,8 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // Writing to somebody who has gone is an error like others. No SIG_IGN: started programs would inherit it.
   std::signal(SIGPIPE, [](int) {});
+  // A launcher may have left it ignored, and then no child tells how it ended.
+  std::signal(SIGCHLD, SIG_DFL);
   const int status = tessaspaces::run(argc, argv);
   if (!tessaspaces::SessionBus::abandon()) return status;
   // Qt would wait for the bus that does not answer.

@@ -82,7 +82,7 @@ TEST_F(CommandLine, SwitchesAndSaysWhyNot) {
 
   world().editFaults([](SimulatedFaults& faults) {
     faults.refuseBridged();
-    faults.ignored = {Operation::managedDisplaySetCurrentSpace};
+    faults.ignored = {Operation::swipe, Operation::managedDisplaySetCurrentSpace};
   });
   refused = call({"switch", "1"});
   EXPECT_EQ(refused.code, 1);

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -33,6 +34,8 @@ std::unique_ptr<Platform> open(const std::string& name, std::string* error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A launcher may have left it ignored, and then no child tells how it ended.
+  std::signal(SIGCHLD, SIG_DFL);
   const auto line = ctl::parseArguments(std::vector<std::string>(argv + 1, argv + argc));
   std::unique_ptr<Platform> system;
   if (ctl::needsPlatform(line.request)) {

@@ -1,6 +1,7 @@
 #include "grid/SimpleStrategies.h"
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 namespace tessaspaces::test {
@@ -31,7 +32,7 @@ double bestRows(Size room, std::span<const Size> windows) {
     for (std::size_t last = first; last < windows.size(); ++last) widths.push_back(width += windows[last].width);
   }
   // Of very many, enough to come close.
-  const std::size_t step = 1 + widths.size() / 4000;
+  const std::size_t step = 1 + widths.size() / 2000;
   double best = 0;
   for (std::size_t i = 0; i < widths.size(); i += step) best = std::max(best, scaleOfRows(room, windows, widths[i]));
   return best;
@@ -55,7 +56,7 @@ double bestCells(Size room, std::span<const Size> windows) {
 
 }  // namespace
 
-double bestSimpleScale(Size room, std::span<const Rect> windows, double limit) {
+double bestSimpleScale(Size room, std::span<const Rect> windows) {
   std::vector<Size> sizes;
   std::vector<Size> turned;
   for (const auto& window : windows) {
@@ -63,9 +64,8 @@ double bestSimpleScale(Size room, std::span<const Rect> windows, double limit) {
     sizes.push_back({window.width, window.height});
     turned.push_back({window.height, window.width});
   }
-  if (sizes.empty()) return limit;
-  return std::min(
-      limit, std::max({bestRows(room, sizes), bestRows({room.height, room.width}, turned), bestCells(room, sizes)}));
+  if (sizes.empty()) return std::numeric_limits<double>::infinity();
+  return std::max({bestRows(room, sizes), bestRows({room.height, room.width}, turned), bestCells(room, sizes)});
 }
 
 }  // namespace tessaspaces::test

@@ -15,7 +15,8 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint64_t now = 0x0102030405060708;
 constexpr int velocityX = 129;
 
-/// What a driver reports of fingers that move left: at (0.5, 0), with a progress of -0.25, lifted with a velocity of -2.
+/// What a driver reports of fingers that move left: at (0.5, 0), with a progress of -0.25, lifted with a velocity of
+/// -2.
 Bytes report(int phase) {
   const auto last = static_cast<std::uint8_t>(phase);
   const bool ended = phase == 4;

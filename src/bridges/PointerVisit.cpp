@@ -45,7 +45,7 @@ bool PointerVisit::goTo(const DesktopInfo& target) {
                                    [&](const ScreenRef& each) { return each->uuid == target.displayUUID; });
   const auto home = input.mouseLocation();
   const auto held = input.held();
-  if (screen != screens.end() && home && !(held && held->button)) {
+  if (screen != screens.end() && home && !(held && held->button) && hand_.take()) {
     const auto center = (*screen)->frame.center();
     // Seen from the top of the first screen, as the mouse is.
     const Point place{center.x, screens.front()->frame.height - center.y};

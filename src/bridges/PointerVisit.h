@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "bridges/Desktops.h"
+#include "bridges/OneHand.h"
 
 namespace tessaspaces::GestureSwitch {
 
@@ -16,11 +17,12 @@ class PointerVisit {
   PointerVisit(const PointerVisit&) = delete;
   PointerVisit& operator=(const PointerVisit&) = delete;
 
-  /// False, with a line in the log, when the pointer is elsewhere and cannot be moved, or must not since a button is
-  /// held: it may be dragging something.
+  /// False, with a line in the log, when the pointer is elsewhere and cannot be moved, or must not: since a button is
+  /// held, which may be dragging something, or since another visit or a drag has it.
   bool goTo(const DesktopInfo& target);
 
  private:
+  OneHand hand_;  // taken once the pointer has to be moved
   std::optional<Point> home_;
   std::optional<Point> away_;
 };

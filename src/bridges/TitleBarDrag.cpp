@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <mutex>
 #include <optional>
 #include <utility>
 
+#include "bridges/OneHand.h"
 #include "bridges/SkyLightBridge.h"
 #include "platform/Platform.h"
 #include "settings/Log.h"
@@ -37,7 +37,7 @@ bool waitUntil(Duration patience, const std::function<bool()>& holds) {
   auto& dispatch = platform().dispatch();
   const auto end = dispatch.now() + patience;
   while (!holds()) {
-    if (dispatch.now() >= end) return false;
+    if (dispatch.now() >= end || dispatch.isEnding()) return false;
     dispatch.sleep(pollInterval);
   }
   return true;
@@ -79,17 +79,20 @@ class Press {
 
 class Drag {
  public:
-  Drag(const SpaceWindow& window, AccessibilityWindow& access) : window_(window), access_(access) {}
+  Drag(const SpaceWindow& window, AccessibilityWindow& access, const std::function<bool()>& stillWanted)
+      : window_(window), access_(access), stillWanted_(stillWanted) {}
 
   bool carry(const std::function<bool()>& switchDesktop) {
     if (!SLS::carriesHeldWindows()) return refuse("would stay behind: this window manager leaves it where it is");
+    if (!handsOff()) return false;
+    const auto grip = findGrip();
+    if (!grip) return false;
+    // Not before all that waiting: the user may have moved either meanwhile.
     start_ = access_.frame();
     if (!start_) return refuse("has no frame");
     const auto home = input_.mouseLocation();
     if (!home) return refuse("cannot be taken: the pointer is nowhere");
-    if (!handsOff()) return false;
-    const auto grip = findGrip();
-    if (!grip) return false;
+    if (!wanted()) return false;
 
     const PointerKeeper keeper(input_, *home);
     if (!input_.moveMouse(*grip) || input_.mouseLocation() != grip) return refuse("cannot be reached by the pointer");
@@ -105,12 +108,20 @@ class Drag {
     return false;
   }
 
+  /// Nothing has gone wrong when it is not.
+  bool wanted() const {
+    if (!platform().dispatch().isEnding() && (!stillWanted_ || stillWanted_())) return true;
+    Log::debug("DRAGSIM: window [{}] need not be carried any more", window_.id);
+    return false;
+  }
+
   bool handsOff() const {
     std::optional<HeldInput> held;
     const bool free = waitUntil(modifierPatience, [&] {
       held = input_.held();
       return !held || held->button || !held->modifier;
     });
+    if (!wanted()) return false;
     if (!held) return refuse("cannot be taken: the system does not tell what is held down");
     if (held->button) return refuse("cannot be taken: a mouse button is down");
     return free || refuse("cannot be taken: a modifier key is down");
@@ -134,11 +145,13 @@ class Drag {
     }
     auto grip = freeGrip();
     if (!grip) {
+      // Raising a window that is out of sight would take the user to it.
+      if (!wanted()) return std::nullopt;
       Log::debug("DRAGSIM: window [{}] is covered, raising it", window_.id);
       access_.raise();
       waitUntil(raisePatience, [&] { return (grip = freeGrip()).has_value(); });
     }
-    if (!grip) refuse("has a title bar that cannot be seen");
+    if (!grip && wanted()) refuse("has a title bar that cannot be seen");
     return grip;
   }
 
@@ -148,7 +161,7 @@ class Drag {
     Log::debug("DRAGSIM: window [{}] taken at {}, {}", window_.id, grip.x, grip.y);
     if (!startMoving(grip)) {
       input_.moveMouse(grip);
-      return refuse("does not follow the pointer");
+      return !platform().dispatch().isEnding() && refuse("does not follow the pointer");
     }
     // Back at its place, still held: where it is left behind, a window manager may not move it any more.
     input_.moveMouse(grip);
@@ -180,7 +193,7 @@ class Drag {
         gone = !frame;
         return gone || Point{frame->x, frame->y} != Point{start_->x, start_->y};
       });
-      if (gone) return false;
+      if (gone || platform().dispatch().isEnding()) return false;
       if (follows) {
         Log::debug("DRAGSIM: window [{}] follows after {} points", window_.id, way);
         return true;
@@ -206,18 +219,18 @@ class Drag {
 
   const SpaceWindow& window_;
   AccessibilityWindow& access_;
+  const std::function<bool()>& stillWanted_;
   InputEvents& input_ = platform().inputEvents();
   std::optional<Rect> start_;
 };
 
-std::mutex oneHand;  // there is one pointer; held for as long as a window is being carried
-
 }  // namespace
 
-bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop) {
-  const std::unique_lock hand(oneHand, std::try_to_lock);
-  if (!hand) {
-    Log::warning("DRAGSIM: window [{}] cannot be taken: another one is being carried", window.id);
+bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop,
+           const std::function<bool()>& stillWanted) {
+  OneHand hand;
+  if (!hand.take()) {
+    Log::warning("DRAGSIM: window [{}] cannot be taken: the pointer is on its way with something else", window.id);
     return false;
   }
   const auto access = platform().accessibility().find(window.pid, window.id);
@@ -225,7 +238,7 @@ bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop
     Log::warning("DRAGSIM: window [{}] not found via AX", window.id);
     return false;
   }
-  return Drag(window, *access).carry(switchDesktop);
+  return Drag(window, *access, stillWanted).carry(switchDesktop);
 }
 
 }  // namespace tessaspaces::TitleBarDrag

@@ -16,10 +16,16 @@ namespace tessaspaces::TitleBarDrag {
 ///
 /// Does not start, and returns false, where the window manager is known to leave such windows behind; when the window
 /// is gone, has no title bar, is covered even after it was raised, or does not follow the pointer; while the user holds
-/// a mouse button or goes on holding a modifier; or while another window is being carried.
+/// a mouse button or goes on holding a modifier; or while the pointer is under way for another window or another
+/// display's switch.
+///
+/// All of that takes time, in which the user may go elsewhere. `stillWanted` is asked, on this thread, once the user's
+/// hands are off, and again before the window is raised and before the button is pressed; when it says no, or the
+/// program is ending, this ends without a warning and returns false. By default the drag is always wanted.
 ///
 /// Blocks for some hundred milliseconds, up to about three seconds and the time that `switchDesktop` takes; not on the
 /// main thread.
-bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop);
+bool carry(const SpaceWindow& window, const std::function<bool()>& switchDesktop,
+           const std::function<bool()>& stillWanted = {});
 
 }  // namespace tessaspaces::TitleBarDrag

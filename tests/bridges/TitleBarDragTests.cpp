@@ -8,7 +8,9 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::Contains;
+using testing::Each;
 using testing::HasSubstr;
+using testing::Not;
 
 /// A window "mail" on desktop 1 (A) of 2, the pointer elsewhere.
 class TitleBarDragTest : public CoreTest {
@@ -23,13 +25,14 @@ class TitleBarDragTest : public CoreTest {
     takeLog();
   }
 
-  bool carry() {
-    return TitleBarDrag::carry(mail, [this] {
+  bool carry(const std::function<bool()>& stillWanted = {}) {
+    const auto switchDesktop = [this] {
       ++switches;
       if (switchFails) return false;
       world().showSpace(2);
       return true;
-    });
+    };
+    return TitleBarDrag::carry(mail, switchDesktop, stillWanted);
   }
 
   /// Whatever came of it.
@@ -43,7 +46,7 @@ class TitleBarDragTest : public CoreTest {
     }
   }
 
-  const Point home{17, 23};
+  Point home{17, 23};
   SpaceWindow mail;
   bool switchFails = false;
   int switches = 0;
@@ -150,6 +153,60 @@ TEST_F(TitleBarDragTest, WaitsForTheHotKeyToBeLetGo) {
   world().beforeNext(Operation::pressMouse, [this] { EXPECT_GE(sim->time().now().time_since_epoch(), 400ms); });
   EXPECT_TRUE(carry());
   EXPECT_EQ(world().spacesOf(mail.id), std::vector<SpaceID>{2});
+}
+
+TEST_F(TitleBarDragTest, StartsFromWhereThingsAreOnceTheHandsAreOff) {
+  begin();
+  const Point elsewhere{800, 900};
+  world().edit([](WorldState& state) { state.userHoldsModifier = true; });
+  sim->time().outside(400ms, [&] {
+    world().setPointer(elsewhere);
+    platform().accessibility().find(mail.pid, mail.id)->place({30, 40, 500, 300});
+    world().edit([](WorldState& state) { state.userHoldsModifier = false; });
+  });
+  EXPECT_TRUE(carry());
+  home = elsewhere;
+  mail.bounds = {30, 40, 500, 300};
+  expectAllIsAsBefore();
+}
+
+TEST_F(TitleBarDragTest, AUserWhoHasGoneElsewhereIsLeftAlone) {
+  struct Case {
+    const char* name;
+    Operation question;
+    bool covered;
+    std::vector<Operation> neverAsked;
+  };
+  // The user goes just before the given question.
+  const std::vector<Case> cases{
+      {"while the keys are down", Operation::heldInput, false, {Operation::raiseWindow, Operation::moveMouse}},
+      {"before it is raised", Operation::windowIsAt, true, {Operation::raiseWindow, Operation::moveMouse}},
+      {"before the press", Operation::mouseLocation, false, {Operation::moveMouse, Operation::pressMouse}},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name);
+    begin();
+    if (each.covered) {
+      WindowSetup setup;
+      setup.title = "cover";
+      setup.bounds = mail.bounds;
+      world().addWindow(setup);
+    }
+    world().clearCalls();
+    bool gone = false;
+    world().beforeNext(each.question, [&] {
+      gone = true;
+      world().showSpace(2);
+    });
+    switches = 0;
+    EXPECT_FALSE(carry([&] { return !gone; }));
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(switches, 0);
+    for (const auto operation : each.neverAsked) EXPECT_FALSE(world().asked(operation)) << operationName(operation);
+    EXPECT_EQ(world().currentSpace("left"), 2U);
+    EXPECT_THAT(takeLog(), Each(Not(HasSubstr("[WARNING]"))));
+    expectAllIsAsBefore();
+  }
 }
 
 TEST_F(TitleBarDragTest, OneWindowAtATime) {

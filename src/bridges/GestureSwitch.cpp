@@ -23,6 +23,11 @@ constexpr Duration pollInterval = 10ms;
 /// From here on a burst is quicker than waiting for each desktop on the way.
 constexpr std::size_t burstDistance = 2;
 
+/// Also when the program is ending: then it no longer waits, and what it does not see come has not failed.
+bool isOvertaken(const Overtaken& overtaken) {
+  return platform().dispatch().isEnding() || (overtaken && overtaken());
+}
+
 /// Counts the switches; whoever keeps a display in its place sees by it that a newer one has begun.
 std::atomic<std::uint64_t> switchGeneration = 0;
 
@@ -53,7 +58,7 @@ class Drive {
     }
     return moved_;
   }
-  [[nodiscard]] bool overtaken() const { return overtaken_ && overtaken_(); }
+  [[nodiscard]] bool overtaken() const { return isOvertaken(overtaken_); }
 
  private:
   SpaceID current() const { return Spaces::currentSpaceID(target_.displayUUID); }
@@ -163,7 +168,7 @@ class Keeper {
   void run() {
     for (int attempt = 1; attempt <= maxCorrections + 1; ++attempt) {
       const auto current = watch();
-      if (current == target_.spaceID || !ownsDisplay()) return;
+      if (current == target_.spaceID || !ownsDisplay() || !canReturn(current)) return;
       if (attempt > maxCorrections) break;
       if (!correct(current, attempt)) return;
     }
@@ -171,7 +176,12 @@ class Keeper {
   }
 
  private:
-  [[nodiscard]] bool ownsDisplay() const { return switchGeneration == generation_ && !(overtaken_ && overtaken_()); }
+  [[nodiscard]] bool ownsDisplay() const { return switchGeneration == generation_ && !isOvertaken(overtaken_); }
+
+  /// Not when the display has been unplugged, or the target removed: nothing drags it away then.
+  [[nodiscard]] bool canReturn(SpaceID current) const {
+    return current != 0 && positionOf(Spaces::allSpaceIDs(target_.displayUUID), target_.spaceID);
+  }
 
   /// What the display shows when it leaves the target, or else in the end.
   SpaceID watch() const {
@@ -192,7 +202,7 @@ class Keeper {
     Log::warning("SWITCH: GESTURE yanked {} -> {} frontApp={}, correcting (attempt {})", target_.spaceID, current,
                  identifier.value_or("?"), attempt);
     claimActivationBeforeCorrection(target_, [this] { return ownsDisplay(); });
-    if (overtaken_ && overtaken_()) return false;
+    if (isOvertaken(overtaken_)) return false;
     // This begins a generation as every switch does, but never on top of a newer one.
     auto expected = generation_;
     if (!switchGeneration.compare_exchange_strong(expected, generation_ + 1)) return false;

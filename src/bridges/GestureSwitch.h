@@ -16,7 +16,8 @@ inline constexpr auto burstGap = std::chrono::microseconds(10'000);
 inline constexpr auto settleTime = std::chrono::milliseconds(500);
 inline constexpr int maxCorrections = 2;
 
-/// Asked now and then; once it says true the work ends without another event, correction, or line in the log.
+/// Asked now and then; once it says true the work ends without another event, correction, or line in the log. So it
+/// does when the program is ending.
 using Overtaken = std::function<bool()>;
 
 /// Drives the target's display to the target; true when the display changed at least once, wherever it is by then.
@@ -27,8 +28,9 @@ bool perform(const DesktopInfo& target, const Overtaken& overtaken = {});
 
 /// Keeps the display on the target for half a second: where the system or another program drags it away it is driven
 /// back, at most `maxCorrections` times. Any `perform` that begins meanwhile, for whichever display, ends this at once:
-/// a newer switch owns the display. Switches by other means are the caller's to tell, through `overtaken`. Looks at the
-/// target's windows too. Blocks, for up to a few seconds; meant to run off the main thread.
+/// a newer switch owns the display. So does the display's or the target's being gone. Switches by other means are the
+/// caller's to tell, through `overtaken`. Looks at the target's windows too. Blocks, for up to a few seconds; meant to
+/// run off the main thread.
 void settle(const DesktopInfo& target, const Overtaken& overtaken = {});
 
 /// Brings the target's first window forward and gives it the focus: later, on the main thread, and only if the display

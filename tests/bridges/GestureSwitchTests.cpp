@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "bridges/GestureSwitch.h"
+#include "bridges/TitleBarDrag.h"
 #include "support/CoreTest.h"
 
 namespace tessaspaces {
@@ -201,6 +202,20 @@ TEST_F(GestureSwitchTest, KeepsTheDisplayOnTheTarget) {
   }
 }
 
+TEST_F(GestureSwitchTest, StopsKeepingWhatHasGone) {
+  for (const bool display : {true, false}) {
+    SCOPED_TRACE(display ? "the display" : "the target");
+    start("left 960x1080 | A* B ; right 960x1080+960 | X* Y");
+    world().setPointer({1200, 200});
+    EXPECT_TRUE(GestureSwitch::perform(desktop(4, "right")));
+    sim->dispatch().after(100ms, [&] { display ? world().removeDisplay("right") : world().removeSpace(4); });
+    takeLog();
+    inBackground([&] { GestureSwitch::settle(desktop(4, "right")); });
+    EXPECT_EQ(swipes().size(), 1U);
+    EXPECT_THAT(gestureLog(), IsEmpty());
+  }
+}
+
 TEST_F(GestureSwitchTest, LeavesTheDisplayToANewerSwitch) {
   start("left 960x1080 | A* B C");
   EXPECT_TRUE(perform(2));
@@ -317,6 +332,19 @@ TEST_F(GestureSwitchTest, TakesThePointerToTheTargetsDisplayAndBack) {
   world().beforeNext(Operation::swipe, [&] { world().setPointer(taken); });
   EXPECT_TRUE(GestureSwitch::perform(desktop(3, "right")));
   EXPECT_EQ(world().state()->pointer, taken);
+
+  // Whoever wants it elsewhere meanwhile does not get it.
+  world().setPointer(home);
+  world().clearCalls();
+  world().beforeNext(Operation::swipe, [&] {
+    EXPECT_FALSE(GestureSwitch::perform(desktop(2)));
+    EXPECT_FALSE(TitleBarDrag::carry({1, "mail", 1001, {}}, [] { return true; }));
+    EXPECT_THAT(takeLog().back(), testing::HasSubstr("the pointer is on its way with something else"));
+  });
+  EXPECT_TRUE(GestureSwitch::perform(desktop(4, "right")));
+  EXPECT_EQ(world().calls(Operation::moveMouse).size(), 2U);
+  EXPECT_EQ(world().state()->pointer, home);
+  EXPECT_TRUE(GestureSwitch::perform(desktop(3, "right"))) << "the hand is free again";
 
   // Not while something may be dragged, and not where it need not.
   world().clearCalls();

@@ -56,14 +56,14 @@ bool contains(const std::vector<SpaceID>& ids, SpaceID space) {
   return std::find(ids.begin(), ids.end(), space) != ids.end();
 }
 
-/// The display's user desktops once they are as wished, else as they are at the end of the patience.
+/// The display's user desktops once they are as wished, else as they are at the end of the patience or the program.
 std::vector<SpaceID> awaitDesktops(const std::string& displayUUID,
                                    const std::function<bool(const std::vector<SpaceID>&)>& wished) {
   auto& dispatch = platform().dispatch();
   const auto deadline = dispatch.now() + patience;
   for (;;) {
     auto now = idsOf(userDesktops(displayUUID).value_or(std::vector<ManagedSpace>()));
-    if (wished(now) || dispatch.now() >= deadline) return now;
+    if (wished(now) || dispatch.now() >= deadline || dispatch.isEnding()) return now;
     dispatch.sleep(pollInterval);
   }
 }

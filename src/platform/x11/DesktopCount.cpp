@@ -91,6 +91,8 @@ bool DesktopCount::removeBetween(const Reading& reading, std::uint32_t desktop) 
     removeName(desktop);
     return true;
   }
+  // Nobody waits for the answer any more; most window managers obey, and taking it back would be wrong with these.
+  if (dispatch_.isEnding()) return true;
   ignoring_ = root.checkWindow;
   send(planReturn(before, desktop));
   return false;
@@ -141,7 +143,7 @@ bool DesktopCount::waitFor(xcb_window_t window, xcb_atom_t property, Duration pa
     const auto cookie = askProperty(channel, window, property, 1);
     const auto now = firstItem(channel.await<xcb_get_property_reply>(cookie));
     if (!now || holds(*now)) return now.has_value();
-    if (dispatch_.now() >= deadline) return false;
+    if (dispatch_.now() >= deadline || dispatch_.isEnding()) return false;
     dispatch_.sleep(pollInterval);
   }
 }

@@ -32,7 +32,8 @@ class DesktopCount {
   bool removeBetween(const Reading& reading, std::uint32_t desktop);
   void removeName(std::uint32_t desktop);
   void send(const PagerMessages& messages);
-  /// Asks again and again for a property's number. False when it is not there, and at the end of the patience.
+  /// Asks again and again for a property's number. False when it is not there, and at the end of the patience or
+  /// of the program.
   bool waitFor(xcb_window_t window, xcb_atom_t property, Duration patience,
                const std::function<bool(std::uint32_t)>& holds);
 

@@ -34,6 +34,19 @@ TEST_F(PendingStepsTest, CountFromTheLastThatWasAskedFor) {
   EXPECT_EQ(next(12, left, 60ms), std::nullopt) << "the end";
 }
 
+TEST_F(PendingStepsTest, CountFromADesktopToWhichTheDisplayIsPulledBack) {
+  EXPECT_THAT(next(11, right), Optional(12));
+  EXPECT_THAT(next(11, right, 10ms), Optional(13));
+  EXPECT_THAT(next(11, right, 20ms), Optional(14));
+  steps.arrived("main", 13);
+  steps.arrived("main", 12);  // an older look
+  steps.arrived("main", 15);  // not on the way
+  EXPECT_THAT(next(13, right, 30ms), Optional(15)) << "still on the way";
+  EXPECT_THAT(next(12, right, 40ms), Optional(13)) << "pulled back, short of the last";
+  steps.arrived("main", 13);
+  EXPECT_THAT(next(12, right, 50ms), Optional(13)) << "pulled back from the last";
+}
+
 TEST_F(PendingStepsTest, CountFromWhatIsShownWhenTheRestIsVoid) {
   EXPECT_THAT(next(11, right), Optional(12));
   EXPECT_THAT(next(11, right, 499ms), Optional(13));

@@ -27,11 +27,20 @@ std::optional<std::string> PendingSteps::display() const {
 }
 
 void PendingSteps::arrived(std::string_view display, SpaceID shown) {
-  if (display == display_ && !path_.empty() && path_.back() == shown) path_ = {shown};
+  if (display != display_) return;
+  // Only ever forward: an older look may be told after a newer one.
+  const auto seen = std::find(path_.begin(), path_.end(), shown);
+  if (seen != path_.end()) path_.erase(path_.begin(), seen);
 }
 
-DesktopSteps::DesktopSteps(WindowServer& server, X11Screens& screens)
-    : server_(server), screens_(screens), changes_(server.spacesChanged.connect([this] { noteArrival(); })) {}
+DesktopSteps::DesktopSteps(X11WindowServer& server, X11Screens& screens)
+    : server_(server), screens_(screens), changes_(server.spacesChanged.connect([this] { lookForArrival(); })) {
+  // Whoever swipes also looks, and may see an arrival that is over again before its event is dealt with.
+  server.onLook([this](std::string_view display, SpaceID shown) {
+    const std::lock_guard lock(mutex_);
+    pending_.arrived(display, shown);
+  });
+}
 
 void DesktopSteps::step(SwipeSide side) {
   const auto name = displayUnderPointer();
@@ -60,16 +69,13 @@ std::optional<std::string> DesktopSteps::displayUnderPointer() {
   return std::nullopt;
 }
 
-void DesktopSteps::noteArrival() {
+void DesktopSteps::lookForArrival() {
   std::optional<std::string> display;
   {
     const std::lock_guard lock(mutex_);
     display = pending_.display();
   }
-  if (!display) return;
-  const auto shown = server_.managedDisplayGetCurrentSpace(*display);
-  const std::lock_guard lock(mutex_);
-  pending_.arrived(*display, shown);
+  if (display) server_.managedDisplayGetCurrentSpace(*display);
 }
 
 }  // namespace tessaspaces

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "base/Signal.h"
-#include "platform/WindowServer.h"
 #include "platform/gestures/SwipeTracker.h"
 #include "platform/x11/X11Screens.h"
+#include "platform/x11/X11WindowServer.h"
 
 namespace tessaspaces {
 
@@ -29,7 +29,8 @@ class PendingSteps {
                               Time now);
   /// The display where something is pending.
   [[nodiscard]] std::optional<std::string> display() const;
-  /// A display shows this space; if it is the one asked for last, nothing is pending any more.
+  /// A display was found to show this space: the ones on the way there lie behind it, and if it is the one asked for
+  /// last, nothing is pending any more. A display that is back at one of those was taken there by somebody else.
   void arrived(std::string_view display, SpaceID shown);
 
  private:
@@ -42,16 +43,19 @@ class PendingSteps {
 /// the main thread.
 class DesktopSteps {
  public:
-  DesktopSteps(WindowServer& server, X11Screens& screens);
+  DesktopSteps(X11WindowServer& server, X11Screens& screens);
+  ~DesktopSteps() { server_.onLook({}); }
+  DesktopSteps(const DesktopSteps&) = delete;
+  DesktopSteps& operator=(const DesktopSteps&) = delete;
 
   /// Nothing happens at the ends, and without a window manager.
   void step(SwipeSide side);
 
  private:
   [[nodiscard]] std::optional<std::string> displayUnderPointer();
-  void noteArrival();
+  void lookForArrival();
 
-  WindowServer& server_;
+  X11WindowServer& server_;
   X11Screens& screens_;
   std::mutex mutex_;  // guards pending_
   PendingSteps pending_;

@@ -16,7 +16,7 @@ namespace tessaspaces {
 /// desktop on that side.
 class X11InputEvents : public InputEvents {
  public:
-  X11InputEvents(Connection& connection, Preferences& preferences, WindowServer& server, X11Screens& screens)
+  X11InputEvents(Connection& connection, Preferences& preferences, X11WindowServer& server, X11Screens& screens)
       : connection_(connection), preferences_(preferences), steps_(server, screens) {}
   X11InputEvents(const X11InputEvents&) = delete;
   X11InputEvents& operator=(const X11InputEvents&) = delete;

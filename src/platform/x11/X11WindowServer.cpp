@@ -95,8 +95,10 @@ SpaceID X11WindowServer::managedDisplayGetCurrentSpace(std::string_view display)
   const auto view = this->view();
   const auto monitor = view.layout->find(display);
   if (!monitor || !view.root->managed()) return 0;
-  const auto shown = current(view, *monitor);
-  return shown ? view.root->spaceOf(*shown) : 0;
+  const auto desktop = current(view, *monitor);
+  const auto shown = desktop ? view.root->spaceOf(*desktop) : 0;
+  if (seen_) seen_(display, shown);
+  return shown;
 }
 
 void X11WindowServer::managedDisplaySetCurrentSpace(std::string_view display, SpaceID space) {

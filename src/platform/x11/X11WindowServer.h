@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 
@@ -57,6 +58,9 @@ class X11WindowServer : public WindowServer {
 
   /// Looks which desktop the focused monitor shows, while it still does: see VisibleDesktops. Any thread.
   void noteVisibleDesktops();
+  /// `seen` is told what each look at a display's current space finds, on the thread that looks; set before there are
+  /// other threads. Other looks and changes may have overtaken it.
+  void onLook(std::function<void(std::string_view display, SpaceID shown)> seen) { seen_ = std::move(seen); }
   /// Tells which windows are on a desktop that is shown, as of one moment.
   class Sight {
    public:
@@ -89,6 +93,7 @@ class X11WindowServer : public WindowServer {
   DesktopCount& desktopCount_;
   Dispatch& dispatch_;
   VisibleDesktops visible_;
+  std::function<void(std::string_view, SpaceID)> seen_;
 
   std::mutex compatMutex_;  // guards compatIDs_
   std::map<std::int32_t, SpaceID> compatIDs_;

@@ -44,6 +44,7 @@ class RealDrag : public testing::Test {
   }
 
   ~RealDrag() override {
+    platform.reset();  // background jobs end on the platform on which they began
     setPlatform(nullptr);
     if (HasFailure()) std::fputs(harness::readFile(Log::fileURL()).c_str(), stderr);
   }
@@ -222,8 +223,8 @@ TEST_F(RealDrag, AButtonThatIsHeldIsReleasedWhenTheProgramEnds) {
   start(Manager::none);
   EXPECT_TRUE(platform->inputEvents().pressMouse());
   EXPECT_THAT(platform->inputEvents().held(), Optional(HeldInput{.button = true}));
-  setPlatform(nullptr);
   platform.reset();
+  setPlatform(nullptr);
   const auto& x = probe.connection();
   const auto at = x.reply(xcb_query_pointer_reply, xcb_query_pointer(x.get(), x.root()));
   EXPECT_EQ(at->mask & 0x1f00, 0);

@@ -30,7 +30,8 @@ std::string reasonFor(const Spaces::DesktopPlan& plan) {
     case Spaces::CommandOutcome::noSuchDesktop:
       return "there is no such desktop; this display has " + std::to_string(plan.display.snap.desktops.size());
     case Spaces::CommandOutcome::noFocusedWindow: return "no window has the focus";
-    case Spaces::CommandOutcome::unsupported: return "this system needs yabai to move windows of other programs, and yabai does not answer";
+    case Spaces::CommandOutcome::unsupported:
+      return "this system needs yabai to move windows of other programs, and yabai does not answer";
     case Spaces::CommandOutcome::ready:
     case Spaces::CommandOutcome::atGridEdge: break;
   }

@@ -22,7 +22,7 @@ bool dragAlong(const SpaceWindow& window, const DesktopRef& from, const DesktopR
     going.emplace(display, to->spaceID);
     return switchTo(to, *going);
   };
-  TitleBarDrag::carry(window, go);
+  TitleBarDrag::carry(window, go, [&] { return !overtaken() && isHere(); });
 
   const bool carried = workspaces(window.id).contains(to->spaceID);
   // Not if the user wished to be somewhere else meanwhile.

@@ -76,13 +76,33 @@ TEST_P(PackingOf, IsSoundAndNotSmallerThanAnySimpleOne) {
 
 INSTANTIATE_TEST_SUITE_P(Windows, PackingOf, testing::Values(1, 2, 3, 4, 6, 9, 14, 23, 41, 70, 120, 200, 260));
 
+TEST(Packing, ListOrderMayBeTheOnlyOneThatFits) {
+  // Five rows that fill the tile to the last point, each of windows of its own height, scattered all over.
+  Dice dice(2);
+  std::vector<Rect> natural;
+  for (int row = 0; row < 5; ++row) {
+    const double height = tile.height * (row + 1) / 15;
+    double left = 0;
+    for (int i = 0; i < 12; ++i) {
+      const double right = i == 11 ? tile.width : tile.width * (i + dice.between(0.6, 1.4)) / 12;
+      natural.push_back({tile.x + dice.between(0, tile.width - (right - left)),
+                         tile.y + dice.between(0, tile.height - height), right - left, height});
+      left = right;
+    }
+  }
+  const auto packing = packExploded(tile, natural, 1);
+  expectSound(tile, natural, 1, packing);
+  EXPECT_NEAR(packing.score, 1, 1e-6);
+}
+
 TEST(Packing, KeepsThePicture) {
   const struct {
     const char* set;
     int count;
     double order;
-  } cases[] = {{"scattered", 3, 0.85}, {"scattered", 8, 0.85}, {"scattered", 30, 0.85}, {"scattered", 200, 0.9},
-               {"wild", 30, 0.85},     {"wild", 200, 0.85},    {"one large", 6, 0.8},   {"cascade", 12, 0.8}};
+  } cases[] = {{"scattered", 3, 0.85},  {"scattered", 8, 0.85},  {"scattered", 30, 0.85},
+               {"scattered", 200, 0.9}, {"scattered", 400, 0.9}, {"wild", 30, 0.85},
+               {"wild", 200, 0.85},     {"one large", 6, 0.8},   {"cascade", 12, 0.8}};
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.set) + " " + std::to_string(c.count));
     double kept = 0;

@@ -97,7 +97,8 @@ class WindowCapture {
   /// These windows look different now, or have a preview for the first time. A few times a second at most, and for a
   /// window on screen not again until `previews` was asked for it.
   Signal<const std::vector<WindowID>&> previewsChanged;
-  /// Wallpapers asked for before may be out of date.
+  /// Wallpapers asked for before may be out of date. (X11: of a painted one; a changed choice comes out when asked
+  /// again.)
   Signal<> wallpaperChanged;
 };
 

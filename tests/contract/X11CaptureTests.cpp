@@ -60,6 +60,15 @@ class X11CaptureTest : public Contract {
   X11Platform& x11() { return static_cast<X11Platform&>(platform()); }
   static std::string displayName() { return std::getenv("DISPLAY"); }
   ImageRef fresh(WindowID window) { return capture().previews(std::vector{window}).front(); }
+  /// As far as other clients can tell.
+  static void startCompositing(const XConnection& x) {
+    xcb_composite_query_version_unchecked(x.get(), 0, 4);
+    xcb_composite_redirect_subwindows(x.get(), x.root(), XCB_COMPOSITE_REDIRECT_MANUAL);
+    const xcb_window_t owner = xcb_generate_id(x.get());
+    xcb_create_window(x.get(), 0, owner, x.root(), -5, -5, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+    xcb_set_selection_owner(x.get(), owner, x.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+    x.roundTrip();
+  }
   static std::uint32_t middle(const ImageRef& image) {
     return image ? image->pixels.at(static_cast<std::size_t>(image->height / 2 * image->width + image->width / 2)) : 0;
   }
@@ -143,15 +152,7 @@ TEST_P(X11CaptureTest, PreviewsOutliveACompositor) {
   const auto window = driver->open({.title = "window"});
   driver->draw(window, {0xAA0000, 0xAA0000, 0xAA0000, 0xAA0000});
   auto compositor = std::make_unique<XConnection>(displayName());
-  const auto call = [&](auto request, auto... arguments) { request(compositor->get(), arguments...); };
-  call(xcb_composite_query_version_unchecked, 0U, 4U);
-  call(xcb_composite_redirect_subwindows, compositor->root(), std::uint8_t{XCB_COMPOSITE_REDIRECT_MANUAL});
-  const xcb_window_t owner = xcb_generate_id(compositor->get());
-  xcb_create_window(compositor->get(), 0, owner, compositor->root(), -5, -5, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
-                    nullptr);
-  call(xcb_set_selection_owner, owner, compositor->atom("_NET_WM_CM_S0"), xcb_timestamp_t{XCB_CURRENT_TIME});
-  compositor->roundTrip();
-
+  startCompositing(*compositor);
   ASSERT_TRUE(capture().begin());
   EXPECT_TRUE(driver->until([&] { return middle(fresh(window)) == 0xFFAA0000; }));
   compositor.reset();
@@ -160,6 +161,32 @@ TEST_P(X11CaptureTest, PreviewsOutliveACompositor) {
   driver->draw(window, {0x0000AA, 0x0000AA, 0x0000AA, 0x0000AA});
   driver->showDesktop(1);
   EXPECT_TRUE(driver->until([&] { return middle(capture().preview(window)) == 0xFF0000AA; }));
+}
+
+TEST_P(X11CaptureTest, OnlyACompositorMakesWindowsTranslucent) {
+  start();
+  const XConnection x(displayName());
+  xcb_visualid_t visual = 0;
+  for (auto it = xcb_screen_allowed_depths_iterator(&x.screen()); it.rem > 0; xcb_depth_next(&it)) {
+    if (it.data->depth == 32) visual = xcb_depth_visuals(it.data)[0].visual_id;
+  }
+  const xcb_colormap_t colors = xcb_generate_id(x.get());
+  xcb_create_colormap(x.get(), XCB_COLORMAP_ALLOC_NONE, colors, x.root(), visual);
+  constexpr std::uint32_t half = 0x80402010;
+  const xcb_window_t window = xcb_generate_id(x.get());
+  const std::uint32_t values[] = {half, 0, colors};
+  xcb_create_window(x.get(), 32, window, x.root(), 0, 0, 100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+                    XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP, values);
+  xcb_map_window(x.get(), window);
+  x.roundTrip();
+  ASSERT_TRUE(driver->until([&] { return info(window).has_value(); }));
+  ASSERT_TRUE(capture().begin());
+  EXPECT_TRUE(driver->until([&] { return middle(fresh(window)) == (half | opaque); }));
+  capture().stop();
+  const XConnection compositor(displayName());
+  startCompositing(compositor);
+  ASSERT_TRUE(capture().begin());
+  EXPECT_TRUE(driver->until([&] { return middle(fresh(window)) == half; })) << std::hex << middle(fresh(window));
 }
 
 TEST_P(X11CaptureTest, TheRootsPixmapIsTheWallpaperOfEachMonitor) {

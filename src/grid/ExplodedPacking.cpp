@@ -41,7 +41,8 @@ double stretch(const Task& task, const Places& places) {
     used.width = std::max(used.width, places[i].x + task.boxes[i].width);
     used.height = std::max(used.height, places[i].y + task.boxes[i].height);
   }
-  return std::max(1.0, std::min(task.room.width / used.width, task.room.height / used.height));
+  // A little less, so that rounding cannot make it too much.
+  return std::max(1.0, (1 - 1e-9) * std::min(task.room.width / used.width, task.room.height / used.height));
 }
 
 class Packer {

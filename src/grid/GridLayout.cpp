@@ -101,8 +101,10 @@ GridLayout::Grid GridLayout::grid(int count) const {
 }
 
 GridLayout::Tile GridLayout::tileAt(const Grid& grid, int index) const {
-  const Rect rect{grid.origin.x + (index % columns_) * (grid.tile.width + gap),
-                  grid.origin.y + (index / columns_) * (grid.tile.height + gap), grid.tile.width, grid.tile.height};
+  const int column = index % columns_;
+  const int row = index / columns_;
+  const Rect rect{grid.origin.x + column * (grid.tile.width + gap), grid.origin.y + row * (grid.tile.height + gap),
+                  grid.tile.width, grid.tile.height};
   return {rect, contentRect(rect)};
 }
 

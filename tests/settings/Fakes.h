@@ -121,6 +121,7 @@ class FakePlatform : public Platform {
   Applications& applications() override { fatal("not part of this fake"); }
   AccessibilityWindows& accessibility() override { fatal("not part of this fake"); }
   InputEvents& inputEvents() override { fatal("not part of this fake"); }
+  WindowCapture& windowCapture() override { fatal("not part of this fake"); }
   HotKeyRegistrar& hotKeys() override { fatal("not part of this fake"); }
   Permissions& permissions() override { fatal("not part of this fake"); }
   std::string name() const override { return "fake"; }

@@ -113,6 +113,7 @@ void X11Capture::drainLater() {
 
 void X11Capture::drain() {
   const auto session = session_;  // observers may stop the capture
+  if (!session) return;
   takeEvents();
   if (session->batch && session->batch->arrived()) {
     announceLater(finishBatch());

@@ -106,7 +106,7 @@ TEST_P(RealLadder, CarriesAWindowThatIgnoresRequestsByItsTitleBar) {
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, RealLadder, testing::ValuesIn(contract::x11Backends()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& each) { return each.param.name; });
 
 }  // namespace
 }  // namespace tessaspaces

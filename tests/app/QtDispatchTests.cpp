@@ -22,6 +22,8 @@ class QtDriver final : public WorldDriver {
   void settle() override { unused(); }
   WindowID open(const ClientWindow&) override { unused(); }
   void close(WindowID) override { unused(); }
+  void draw(WindowID, const Quarters&) override { unused(); }
+  void resize(WindowID, int, int) override { unused(); }
   void makeSticky(WindowID) override { unused(); }
   void focus(WindowID) override { unused(); }
   void showDesktop(int) override { unused(); }
@@ -66,6 +68,7 @@ TEST(QtDispatch, ClosingFreesWhoeverWaitsForTheMainThread) {
     dispatch.background([&] {
       ++waiting;
       dispatch.sleep(1h);
+      EXPECT_TRUE(dispatch.isEnding()) << "or whoever waits takes it that nothing came";
       ++returned;
     });
     while (waiting < 2) std::this_thread::yield();

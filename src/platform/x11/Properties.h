@@ -16,6 +16,8 @@ using PropertyReply = Reply<xcb_get_property_reply_t>;
 
 /// Longest text read, in bytes. Titles and names beyond it are cut.
 constexpr std::uint32_t maxTextBytes = 64 * 1024;
+/// Longest WM_CLASS read, in bytes.
+constexpr std::uint32_t maxClassBytes = 1024;
 /// Most items read of a list, such as that of the windows. Each may cost requests of its own, and any program can
 /// write the list; what people have open is far below.
 constexpr std::uint32_t maxListItems = 4096;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/x11/Properties.h"
+
 namespace tessaspaces {
 
 /// What the innermost thread's scope has read already. `owner` is null while no scope is open.
@@ -11,6 +13,7 @@ struct Reader::Memo {
   Root root;
   Windows windows;
   WindowDetail windowDetail = WindowDetail::desktops;
+  std::optional<Active> active;
 };
 
 class Reader::Scope : public ReadScope {
@@ -87,6 +90,21 @@ Reader::Windows Reader::windows(WindowDetail detail) {
     memo->windowDetail = detail;
   }
   return windows;
+}
+
+Reader::Active Reader::active() {
+  auto* memo = this->memo();
+  if (memo != nullptr && memo->active) return *memo->active;
+  Active active;
+  if (const auto window = root(RootDetail::windows)->activeWindow; window != XCB_NONE) {
+    auto& channel = connection_.requests();
+    const auto windowClass = askProperty(channel, window, XCB_ATOM_WM_CLASS, maxClassBytes / 4);
+    auto records = readWindows(connection_, {&window, 1}, WindowDetail::everything);
+    active.windowClass = texts(channel.await<xcb_get_property_reply>(windowClass));
+    if (!records.empty()) active.window = std::move(records.front());
+  }
+  if (memo != nullptr) memo->active = active;
+  return active;
 }
 
 Reader::Root Reader::numbering() {

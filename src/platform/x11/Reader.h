@@ -6,6 +6,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -29,6 +31,13 @@ class Reader {
   Root root(RootDetail detail);
   /// All client windows front to back; never null.
   Windows windows(WindowDetail detail);
+  /// The active window and its WM_CLASS, in one batch: all that a command about it wants to know.
+  struct Active {
+    /// Absent when there is none, or it is gone.
+    std::optional<WindowRecord> window;
+    std::vector<std::string> windowClass;
+  };
+  Active active();
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
   /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
   [[nodiscard]] bool inScope() { return memo() != nullptr; }

@@ -14,7 +14,6 @@ namespace {
 constexpr int wantedIconSize = 64;
 constexpr std::uint32_t maxIconSide = 1024;
 constexpr std::uint32_t maxIconItems = 1 << 20;
-constexpr std::uint32_t maxClassBytes = 1024;
 
 std::uint32_t premultiplied(std::uint32_t pixel) {
   const std::uint32_t alpha = pixel >> 24;
@@ -43,12 +42,7 @@ std::optional<xcb_window_t> X11Applications::frontWindow(std::int32_t pid) {
   return std::nullopt;
 }
 
-xcb_get_property_cookie_t X11Applications::askClass(xcb_window_t window) {
-  return askProperty(connection_.requests(), window, XCB_ATOM_WM_CLASS, maxClassBytes / 4);
-}
-
-ApplicationInfo X11Applications::receive(std::int32_t pid, xcb_get_property_cookie_t windowClassCookie) {
-  auto names = texts(connection_.requests().await<xcb_get_property_reply>(windowClassCookie));
+ApplicationInfo X11Applications::describe(std::int32_t pid, std::vector<std::string> names) {
   names.resize(2);
   const auto& windowClass = names[1].empty() ? names[0] : names[1];
   ApplicationInfo info;
@@ -63,22 +57,22 @@ ApplicationInfo X11Applications::receive(std::int32_t pid, xcb_get_property_cook
 }
 
 std::vector<ApplicationInfo> X11Applications::describe(const std::vector<Owned>& windows) {
+  auto& channel = connection_.requests();
   std::vector<xcb_get_property_cookie_t> cookies;
-  for (const auto& owned : windows) cookies.push_back(askClass(owned.window));
+  for (const auto& owned : windows) {
+    cookies.push_back(askProperty(channel, owned.window, XCB_ATOM_WM_CLASS, maxClassBytes / 4));
+  }
   std::vector<ApplicationInfo> result;
-  for (std::size_t i = 0; i < windows.size(); ++i) result.push_back(receive(windows[i].pid, cookies[i]));
+  for (std::size_t i = 0; i < windows.size(); ++i) {
+    result.push_back(describe(windows[i].pid, texts(channel.await<xcb_get_property_reply>(cookies[i]))));
+  }
   return result;
 }
 
 std::optional<ApplicationInfo> X11Applications::frontmost() {
-  const auto active = reader_.root(RootDetail::desktops)->activeWindow;
-  if (active == XCB_NONE) return std::nullopt;
-  const auto owner = askOwner(connection_, active);
-  const auto windowClass = askClass(active);
-  const auto pid = receiveOwner(connection_, active, owner);
-  auto info = receive(pid.value_or(0), windowClass);
-  if (!pid) return std::nullopt;
-  return info;
+  auto active = reader_.active();
+  if (!active.window || !active.window->pid) return std::nullopt;
+  return describe(*active.window->pid, std::move(active.windowClass));
 }
 
 std::optional<ApplicationInfo> X11Applications::running(std::int32_t pid) {

@@ -28,8 +28,8 @@ class X11Applications : public Applications {
   /// All client windows with their owners, front to back.
   std::vector<Owned> ownedWindows();
   std::optional<xcb_window_t> frontWindow(std::int32_t pid);
-  xcb_get_property_cookie_t askClass(xcb_window_t window);
-  ApplicationInfo receive(std::int32_t pid, xcb_get_property_cookie_t windowClassCookie);
+  /// `names` are the two parts of WM_CLASS.
+  ApplicationInfo describe(std::int32_t pid, std::vector<std::string> names);
   std::vector<ApplicationInfo> describe(const std::vector<Owned>& windows);
 
   Connection& connection_;

@@ -48,7 +48,7 @@ struct X11Platform::Parts {
   PagerLayout pagerLayout{*connection, pump};
   DesktopCount desktopCount{*connection, reader, dispatch};
   X11WindowServer windowServer{*connection, reader, screens, pump, pagerLayout, desktopCount, dispatch};
-  X11WindowList windowList{*connection, reader, windowServer};
+  X11WindowList windowList{reader, windowServer};
   DesktopFiles desktopFiles{DesktopFiles::standardFolders(), languagesFrom(environment)};
   X11Applications applications{*connection, reader, desktopFiles};
   X11AccessibilityWindows accessibility{*connection, reader};

@@ -44,12 +44,9 @@ std::optional<std::vector<WindowInfo>> X11WindowList::copyWindowInfo(WindowListO
 std::optional<WindowInfo> X11WindowList::frontWindow(std::int32_t ofPid) {
   const auto scope = reader_.beginRead();
   // In the on-screen list the active window stands before all others of its process.
-  const auto active = reader_.root(RootDetail::windows)->activeWindow;
-  const auto records = readWindows(connection_, {&active, active == XCB_NONE ? 0u : 1u}, WindowDetail::everything);
-  if (!records.empty()) {
-    const auto& record = records.front();
-    if (record.pid == ofPid && record.layer == layers::ordinary && server_.sight().isVisible(record)) {
-      return described(record);
+  if (const auto active = reader_.active().window) {
+    if (active->pid == ofPid && active->layer == layers::ordinary && server_.sight().isVisible(*active)) {
+      return described(*active);
     }
   }
   return WindowList::frontWindow(ofPid);

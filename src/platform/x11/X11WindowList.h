@@ -11,14 +11,12 @@ namespace tessaspaces {
 /// tell which of them the user is in.
 class X11WindowList : public WindowList {
  public:
-  X11WindowList(Connection& connection, Reader& reader, X11WindowServer& server)
-      : connection_(connection), reader_(reader), server_(server) {}
+  X11WindowList(Reader& reader, X11WindowServer& server) : reader_(reader), server_(server) {}
   std::optional<std::vector<WindowInfo>> copyWindowInfo(WindowListOption option) override;
   /// Asks about the active window alone where that is the one, as it mostly is.
   std::optional<WindowInfo> frontWindow(std::int32_t ofPid) override;
 
  private:
-  Connection& connection_;
   Reader& reader_;
   X11WindowServer& server_;
 };

@@ -5,17 +5,11 @@
 #include <vector>
 
 #include "base/Fatal.h"
+#include "base/Overloaded.h"
 #include "platform/skylight/MachOImage.h"
 
 namespace tessaspaces {
 namespace {
-
-template <typename... Cases>
-struct Overloaded : Cases... {
-  using Cases::operator()...;
-};
-template <typename... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// Calls an initialiser's code with the arguments that the operation's class declares.
 template <typename... Arguments>

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <set>
 
+#include "base/Overloaded.h"
 #include "platform/x11/DragHabits.h"
 #include "platform/x11/Properties.h"
 
@@ -26,13 +27,6 @@ std::vector<DesktopWindow> desktopWindows(const std::vector<WindowRecord>& recor
   }
   return windows;
 }
-
-template <class... Cases>
-struct Overloaded : Cases... {
-  using Cases::operator()...;
-};
-template <class... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
 
 }  // namespace
 

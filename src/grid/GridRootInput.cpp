@@ -23,8 +23,9 @@ GridTarget State::hovered() const {
 
 void State::pointerMoved(Point at) {
   const auto before = hovered();
+  // That it is somewhere when the panel comes up under it says nothing of what the user means.
+  if (pointer && *pointer != at) pointerLeads = true;
   pointer = at;
-  pointerLeads = true;
   if (!drag && press && press->button == GridButton::left && press->target.kind == Kind::window &&
       GridDrag::isMeant(press->at, at)) {
     startDrag();
@@ -59,7 +60,8 @@ void State::pressed(GridButton button, Point at) {
     return;
   }
   if (std::exchange(press, std::nullopt)) return;  // two buttons at once mean nothing
-  pointer = at;
+  pointerMoved(at);
+  pointerLeads = true;
   if (isInside(at)) press = Press{button, at, targetAt(at)};
 }
 
@@ -136,9 +138,7 @@ void State::flyHome(WindowID window, SpaceID space, const Rect& from) {
   if (!at) return;
   const auto home = previewRect(*at);
   if (home.isEmpty()) return;
-  auto shown = sceneWindow(*at);
-  shown.look = GridScene::Window::Look::plain;
-  owner.flyBack(shown, from, home);
+  owner.flyBack(plainWindow(*at), from, home);
 }
 
 }  // namespace tessaspaces

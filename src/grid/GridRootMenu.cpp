@@ -27,7 +27,8 @@ void State::moveTo(SpaceID from, WindowID window, SpaceID to) {
   const auto& desktop = desktopAt(*target);
   const auto content = layout().contentRects()[static_cast<std::size_t>(*target)];
   // Dropped where it would be seen if it had been there before.
-  const auto frame = desktop->screen ? ScreenGeometry::flipped(desktop->screen->frame) : Rect{};
+  const auto& shownOn = desktop->screen ? desktop->screen : screen;
+  const auto frame = shownOn ? ScreenGeometry::flipped(shownOn->frame) : Rect{};
   const auto& bounds = windowAt(*at).bounds;
   Point corner{content.x, content.y};
   if (!frame.isEmpty()) {
@@ -103,9 +104,8 @@ std::vector<GridMenuItem> State::windowMenu(const GridTarget& target) {
     const auto& desktop = *desktopAt(tile);
     if (desktop.spaceID == space) continue;
     if (!std::exchange(separated, true)) items.emplace_back();
-    auto move = item("grid.menu.moveTo", [this, space = space, window = window, to = desktop.spaceID] {
-      moveTo(space, window, to);
-    });
+    auto move = item("grid.menu.moveTo",
+                     [this, space = space, window = window, to = desktop.spaceID] { moveTo(space, window, to); });
     move.title = L10n::format(move.title, {desktop.label(tile)});
     items.push_back(std::move(move));
   }

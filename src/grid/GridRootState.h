@@ -53,7 +53,7 @@ struct GridRootState {
   std::optional<Press> press;
   std::optional<Point> pointer;
   std::optional<Point> externalHover;  // on the screen
-  /// The pointer was used later than the keys: what it rests on is meant.
+  /// The pointer moved later than a key was pressed: what it is over is meant.
   bool pointerLeads = false;
 
   bool keyboard = false;
@@ -91,9 +91,11 @@ struct GridRootState {
 
   // Scene
   [[nodiscard]] GridScene scene() const;
-  [[nodiscard]] GridScene::Tile sceneTile(int tile) const;
-  [[nodiscard]] GridScene::Window sceneWindow(GridLayout::WindowHit at) const;
-  [[nodiscard]] GridScene::Window::Look lookOf(GridLayout::WindowHit at) const;
+  // `under`: what is hovered, found out once for all of them.
+  [[nodiscard]] GridScene::Tile sceneTile(int tile, const GridTarget& under) const;
+  [[nodiscard]] GridScene::Window::Look lookOf(GridLayout::WindowHit at, const GridTarget& under) const;
+  /// As it looks when nothing is known of it but what it is.
+  [[nodiscard]] GridScene::Window plainWindow(GridLayout::WindowHit at) const;
   [[nodiscard]] std::optional<int> dropTile() const;
   [[nodiscard]] std::string hint() const;
 

@@ -62,7 +62,7 @@ void State::pressed(GridButton button, Point at) {
   if (std::exchange(press, std::nullopt)) return;  // two buttons at once mean nothing
   pointerMoved(at);
   pointerLeads = true;
-  if (isInside(at)) press = Press{button, at, targetAt(at)};
+  if (isInside(at)) press = GridPress{button, at, targetAt(at)};
 }
 
 void State::released(GridButton button, Point at) {

@@ -26,19 +26,21 @@ struct GridTarget {
   friend bool operator==(const GridTarget&, const GridTarget&) = default;
 };
 
-struct GridRootState {
-  struct Press {
-    GridButton button = GridButton::left;
-    Point at;
-    GridTarget target;
-  };
-  /// How well each window of each tile answers to the filter.
-  struct Matches {
-    std::vector<std::vector<std::optional<int>>> ranks;
-    int count = 0;
-    std::optional<GridLayout::WindowHit> best;
-  };
+/// A button that is held.
+struct GridPress {
+  GridButton button = GridButton::left;
+  Point at;
+  GridTarget target;
+};
 
+/// How well each window of each tile answers to the filter.
+struct GridMatches {
+  std::vector<std::vector<std::optional<int>>> ranks;
+  int count = 0;
+  std::optional<GridLayout::WindowHit> best;
+};
+
+struct GridRootState {
   explicit GridRootState(GridRootOwner& panel) : owner(panel) {}
 
   GridRootOwner& owner;
@@ -50,7 +52,7 @@ struct GridRootState {
 
   WindowFilter filter;
   std::optional<GridDrag> drag;
-  std::optional<Press> press;
+  std::optional<GridPress> press;
   std::optional<Point> pointer;
   std::optional<Point> externalHover;  // on the screen
   /// The pointer moved later than a key was pressed: what it is over is meant.
@@ -74,7 +76,7 @@ struct GridRootState {
   void setSnapshot(SpacesSnapshot snapshot);
   void setExplodedAll(bool exploded);
   [[nodiscard]] const GridLayout& layout() const;
-  [[nodiscard]] const Matches& matches() const;
+  [[nodiscard]] const GridMatches& matches() const;
   [[nodiscard]] Size bounds() const;
   [[nodiscard]] bool isInside(Point at) const;
   [[nodiscard]] Point screenPoint(Point inRoot) const;
@@ -159,7 +161,7 @@ struct GridRootState {
  private:
   mutable GridLayout grid_;
   mutable bool stale_ = true;
-  mutable std::optional<Matches> matches_;
+  mutable std::optional<GridMatches> matches_;
 };
 
 }  // namespace tessaspaces

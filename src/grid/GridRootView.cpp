@@ -50,7 +50,7 @@ const GridLayout& State::layout() const {
   return grid_;
 }
 
-const State::Matches& State::matches() const {
+const GridMatches& State::matches() const {
   if (matches_) return *matches_;
   auto& found = matches_.emplace();
   if (filter.isEmpty()) return found;

@@ -59,7 +59,9 @@ void State::pressed(GridButton button, Point at) {
     if (button == GridButton::right) cancelDrag();
     return;
   }
-  if (std::exchange(press, std::nullopt)) return;  // two buttons at once mean nothing
+  // Two buttons at once mean nothing; the same one again was let go where nobody saw it.
+  if (press && press->button != button) return press.reset();
+  press.reset();
   pointerMoved(at);
   pointerLeads = true;
   if (isInside(at)) press = GridPress{button, at, targetAt(at)};

@@ -115,6 +115,8 @@ struct GridRootState {
   /// Ends the drag with nothing done; absent when there was none.
   std::optional<GridDrag> endDrag();
   void cancelDrag();
+  /// After the tiles changed.
+  void keepDrag();
   void flyHome(WindowID window, SpaceID space, const Rect& from);
 
   // Selection

@@ -9,6 +9,8 @@ using testing::IsEmpty;
 using Look = GridScene::Window::Look;
 
 TEST_F(RootViewTest, ArrowsMoveTheSelection) {
+  constexpr auto round = CirculationJoin::sameRow;
+  constexpr auto onwards = CirculationJoin::nextRow;
   const struct {
     int desktops;
     bool canAdd;
@@ -16,27 +18,27 @@ TEST_F(RootViewTest, ArrowsMoveTheSelection) {
     std::string_view keys;
     SpaceID selected;
   } cases[] = {
-      {4, false, CirculationJoin::nextRow, "", 2},      // the current one
-      {4, false, CirculationJoin::nextRow, ">", 3},     // on in reading order
-      {4, false, CirculationJoin::sameRow, ">", 1},     // round in the row
-      {4, false, CirculationJoin::nextRow, "v", 4},     //
-      {4, false, CirculationJoin::nextRow, "vv", 4},    // no circulation up and down
-      {4, false, CirculationJoin::nextRow, "v>", 1},    //
-      {4, false, CirculationJoin::nextRow, "H", 1},     //
-      {4, false, CirculationJoin::nextRow, "H<E<", 3},  //
-      {6, false, CirculationJoin::nextRow, "E", 4},     // as many as there are tiles
-      {4, true, CirculationJoin::nextRow, "E>", 99},    // the plus comes after the last
-      {4, true, CirculationJoin::nextRow, "E>>", 1},    //
-      {4, true, CirculationJoin::sameRow, "E>>", 3},    //
-      {4, true, CirculationJoin::nextRow, "E><", 4},    //
-      {4, true, CirculationJoin::nextRow, "E>^", 2},    //
-      {4, true, CirculationJoin::nextRow, "E>H", 1},    //
-      {3, true, CirculationJoin::nextRow, "E>^", 2},    // where it stands in a cell, as from there
-      {3, true, CirculationJoin::nextRow, "E>v", 99},   //
-      {1, true, CirculationJoin::nextRow, ">", 99},     //
-      {0, true, CirculationJoin::nextRow, "v", 99},     //
-      {0, true, CirculationJoin::nextRow, "><", 99},    //
-      {0, false, CirculationJoin::nextRow, ">vHE", 0},  //
+      {4, false, onwards, "", 2},
+      {4, false, onwards, ">", 3},
+      {4, false, round, ">", 1},
+      {4, false, onwards, "vv", 4},
+      {4, false, onwards, "v>", 1},
+      {4, false, onwards, "H<E<", 3},
+      {6, false, onwards, "E", 4},  // there are no more tiles
+      // The plus comes after the last desktop.
+      {4, true, onwards, "E>", 99},
+      {4, true, onwards, "E>>", 1},
+      {4, true, round, "E>>", 3},
+      {4, true, onwards, "E><", 4},
+      {4, true, onwards, "E>^", 2},
+      {4, true, onwards, "E>H", 1},
+      {1, true, onwards, ">", 99},
+      {0, true, onwards, "v", 99},
+      // In a cell of the grid it is left upwards as a desktop there would be.
+      {3, true, onwards, "E>^", 2},
+      {3, true, onwards, "E>v", 99},
+      {0, true, onwards, "><", 99},
+      {0, false, onwards, ">vHE", 0},
   };
   for (const auto& c : cases) {
     Settings::setCirculationJoin(c.join);

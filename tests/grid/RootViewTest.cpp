@@ -1,60 +1,6 @@
 #include "grid/RootViewTest.h"
 
-#include "base/Overloaded.h"
-
 namespace tessaspaces {
-
-void RecordingOwner::handle(const GridAction& action) {
-  std::visit(Overloaded{[&](const GridActions::MoveWindow& move) {
-                          moved = move;
-                          say("move {} from {} to {}", move.window, move.fromSpace, move.to->spaceID);
-                        },
-                        [&](const GridActions::SwitchSpace& to) { say("go {}", to.space); },
-                        [&](const GridActions::SwitchSpaceAndActivate& to) {
-                          say("go {} to window {}", to.space, to.window.id);
-                        },
-                        [&](const GridActions::Close&) { say("close"); }},
-             action);
-}
-
-void RecordingOwner::dragOutside(std::optional<Point> cursor) {
-  isOutside = cursor.has_value();
-  if (cursor) {
-    say("outside {},{}", cursor->x, cursor->y);
-  } else {
-    say("inside");
-  }
-}
-
-void RecordingOwner::dropOutside(const SpaceWindow& window, SpaceID fromSpace, Point cursor, Point windowTopLeft) {
-  say("drop {} from {} at {},{} grip {:.0f},{:.0f}", window.id, fromSpace, cursor.x, cursor.y,
-      cursor.x - windowTopLeft.x, windowTopLeft.y - cursor.y);
-}
-
-bool RecordingOwner::goToBestMatch() {
-  if (knowsTheBest) say("best of all");
-  return knowsTheBest;
-}
-
-void RecordingOwner::rename(const DesktopRef& desktop, const Rect& tile) {
-  say("rename {}{}", desktop->spaceID, tile.isEmpty() ? " nowhere" : "");
-}
-
-void RecordingOwner::openMenu(Point, std::vector<GridMenuItem> items) {
-  say("menu");
-  menu = std::move(items);
-}
-
-void RecordingOwner::flyBack(const GridScene::Window& window, const Rect& from, const Rect& to) {
-  say("fly back {}", window.id);
-  flownFrom = from;
-  flownTo = to;
-}
-
-bool RecordingOwner::hotKey(KeyCombo combo, bool repeated) {
-  say("hot key {}{}", combo.keyCode, repeated ? " again" : "");
-  return true;
-}
 
 void RootViewTest::SetUp() {
   // The second screen's top is 100 points below the first one's.
@@ -136,17 +82,8 @@ void RootViewTest::drag(SpaceID space, WindowID id, Point to) {
 }
 
 void RootViewTest::keys(std::string_view keys) {
-  for (const char key : keys) {
-    switch (key) {
-      case '<': view->key(GridKey::left); break;
-      case '>': view->key(GridKey::right); break;
-      case '^': view->key(GridKey::up); break;
-      case 'v': view->key(GridKey::down); break;
-      case 'H': view->key(GridKey::home); break;
-      case 'E': view->key(GridKey::end); break;
-      default: ADD_FAILURE() << key;
-    }
-  }
+  // In the order of GridKey.
+  for (const char key : keys) view->key(static_cast<GridKey>(std::string_view("<>^vHE").find(key)));
 }
 
 }  // namespace tessaspaces

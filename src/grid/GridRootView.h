@@ -32,6 +32,9 @@ class GridRootOwner {
   virtual void passKeyboard(bool backwards) = 0;
   /// The filter was changed by typing: the other panels follow.
   virtual void filterChanged(const std::string& filter) = 0;
+  /// Enter with a filter: goes to the best match of all panels. False where the panel's own best match is to be taken,
+  /// which then comes by `handle`.
+  virtual bool goToBestMatch() { return false; }
   virtual void rename(const DesktopRef& desktop, const Rect& tile) = 0;
   virtual void closeWindow(const SpaceWindow& window) = 0;
   virtual void addDesktop() = 0;
@@ -92,6 +95,9 @@ class GridRootView final : public GridPanelInput {
   [[nodiscard]] std::optional<GridLayout::DropTarget> externalDropTarget(Point cursor, Point windowTopLeft) const;
   /// The drag that is under way ends with nothing done.
   void cancelDrag();
+  /// The preview of a window that could not be dropped flies home from where it was let go (top left, on the screen).
+  /// Nothing when the window is not to be seen on that space any more.
+  void returnPreview(WindowID window, SpaceID space, Point windowTopLeft);
 
   void pointerMoved(Point at) override;
   void pointerLeft() override;

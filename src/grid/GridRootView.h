@@ -14,6 +14,8 @@
 
 namespace tessaspaces {
 
+struct GridRootState;
+
 /// What a root view asks of the panel that it belongs to. Main thread.
 class GridRootOwner {
  public:
@@ -109,8 +111,7 @@ class GridRootView final : public GridPanelInput {
   void covered() override;
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  std::unique_ptr<GridRootState> state_;
 };
 
 }  // namespace tessaspaces

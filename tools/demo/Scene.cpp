@@ -2,12 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <array>
+#include "demo/Samples.h"
 
 namespace tessaspaces::demo {
 namespace {
-
-constexpr std::array<std::uint32_t, 5> colours{0x3D6B8E, 0x8E5B3D, 0x4E7D52, 0x7A4E7D, 0x8A7A3B};
 
 /// A terminal that shows its desktop's place in the grid.
 std::vector<std::string> terminal(int desktop, const std::string& title) {
@@ -35,20 +33,38 @@ std::vector<std::string> terminal(int desktop, const std::string& title) {
           fmt::format("printf '\\033[?25l\\n\\033[1;36m  {}\\n\\n{}\\033[0m'; exec cat", title, text)};
 }
 
+/// What happens on a desktop that is not shown nobody sees.
+void show(harness::Session& session, int desktop) {
+  session.probe.switchTo(desktop);
+  if (!session.probe.waitForDesktop(desktop)) throw harness::Failure("the window manager does not switch");
+}
+
+void openSample(harness::Session& session, int number, int desktop, harness::Rectangle frame) {
+  const Sample made = sample(number, frame.width, frame.height);
+  const xcb_window_t window = session.client.open({.title = made.title,
+                                                   .instance = made.className,
+                                                   .className = made.className,
+                                                   .frame = frame,
+                                                   .colour = 0xFFFFFF,
+                                                   .desktop = desktop});
+  made.picture.putInto(session.client.connection(), window);
+}
+
 }  // namespace
 
 Scene::Scene(harness::Session& session) {
-  if (harness::findProgram("xsetroot")) session.server.run({"xsetroot", "-solid", "#2b3440"});
+  const auto& screen = session.client.connection().screen();
+  landscape(screen.width_in_pixels, screen.height_in_pixels).makeWallpaper(session.client.connection());
   const bool terminals = harness::findProgram("xterm").has_value();
   for (int desktop = 0; desktop < desktops; ++desktop) {
-    session.probe.switchTo(desktop);
-    if (!session.probe.waitForDesktop(desktop)) throw harness::Failure("the window manager does not switch");
-    session.client.open({.title = fmt::format("Notes {}", desktop + 1),
-                         .instance = "notes",
-                         .className = "Notes",
-                         .frame = {980 - desktop * 40, 520 - desktop * 20, 560, 360},
-                         .colour = colours.at(static_cast<std::size_t>(desktop) % colours.size()),
-                         .desktop = desktop});
+    show(session, desktop);
+    // Not on every desktop the same number, and not at the same places.
+    for (int i = 0; i <= desktop % 3; ++i) {
+      const int number = desktop * 3 + i;
+      openSample(
+          session, number, desktop,
+          {90 + (number * 310) % 900, 70 + (number * 170) % 420, 620 + number % 3 * 130, 420 + number % 2 * 110});
+    }
     if (!terminals) continue;
     const std::string title = fmt::format("Desktop {}", desktop + 1);
     programs_.push_back(session.server.start(terminal(desktop, title)));
@@ -56,8 +72,22 @@ Scene::Scene(harness::Session& session) {
       throw harness::Failure("xterm does not come up:\n" + programs_.back().output());
     }
   }
-  session.probe.switchTo(0);
-  session.probe.waitForDesktop(0);
+  show(session, 0);
+}
+
+void crowd(harness::Session& session, int many, int windows) {
+  const auto& screen = session.client.connection().screen();
+  landscape(screen.width_in_pixels, screen.height_in_pixels).makeWallpaper(session.client.connection());
+  for (int desktop = 0; desktop < many; ++desktop) {
+    show(session, desktop);
+    for (int number = desktop; number < windows; number += many) {
+      const int place = number / many;
+      openSample(session, number + desktop, desktop,
+                 {60 + (place * 330 + desktop * 90) % 1080, 50 + (place * 190 + desktop * 60) % 520,
+                  560 + number % 4 * 70, 360 + number % 3 * 70});
+    }
+  }
+  show(session, 0);
 }
 
 }  // namespace tessaspaces::demo

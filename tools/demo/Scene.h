@@ -10,7 +10,8 @@ namespace tessaspaces::demo {
 inline constexpr int desktops = 10;
 inline constexpr int columns = 4;
 
-/// Sample windows on all desktops: terminals where xterm is installed, plain windows besides.
+/// A wallpaper, and windows of sample applications on all desktops: terminals where xterm is installed, drawn ones
+/// besides.
 class Scene {
  public:
   explicit Scene(harness::Session& session);
@@ -18,5 +19,8 @@ class Scene {
  private:
   std::vector<harness::Process> programs_;
 };
+
+/// So many windows spread evenly over so many desktops, each shown once so that it has been seen.
+void crowd(harness::Session& session, int many, int windows);
 
 }  // namespace tessaspaces::demo

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "demo/GridTour.h"
 #include "demo/Scene.h"
 
 namespace tessaspaces::demo {
@@ -123,6 +124,7 @@ void tour(Session& session, Witness& witness) {
   wrapping(witness);
   edges(witness);
   carrying(session, witness);
+  tourOfTheGrid(session, witness);
   clash(session, witness);
   witness.heading("Ending the program");
   const auto status = session.program.stop();

@@ -13,6 +13,9 @@ class Witness {
  public:
   Witness(harness::Session& session, std::filesystem::path pictures);
 
+  /// From now on this session is the one that is looked at.
+  void turnTo(harness::Session& session) { session_ = &session; }
+
   void heading(std::string_view text) const;
   void note(std::string_view text) const;
   /// One line with its verdict, and who was asked for what is found.
@@ -33,7 +36,7 @@ class Witness {
   [[nodiscard]] int steps() const { return steps_; }
 
  private:
-  harness::Session& session_;
+  harness::Session* session_;
   std::filesystem::path pictures_;
   int steps_ = 0;
   int failures_ = 0;

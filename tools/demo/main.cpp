@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "demo/GridTour.h"
 #include "demo/Scene.h"
 #include "demo/Tour.h"
 #include "demo/Witness.h"
@@ -56,12 +57,15 @@ int show(const Choice& choice) {
   demo::Witness witness(session, choice.pictures);
   if (choice.nested) {
     session.program.start({{"tessaspaces.grid.columns", std::to_string(demo::columns)}});
-    fmt::print("control + option + arrows or digits change the desktop. Close the window to end.\n");
+    fmt::print(
+        "control + option + arrows or digits change the desktop, option + shift + space opens the overview. Close the "
+        "window to end.\n");
     std::fflush(stdout);
     session.server.waitForEnd();
     return EXIT_SUCCESS;
   }
   demo::tour(session, witness);
+  demo::tourOfManyWindows(choice.manager, witness);
   fmt::print("\n{} of {} steps as they should be\n", witness.steps() - witness.failures(), witness.steps());
   if (witness.failures() > 0) fmt::print("\nThe program's log:\n{}", session.program.log());
   return witness.failures() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -45,6 +45,7 @@ class XServer {
   /// back to the server's own single monitor. The window manager learns of it by RandR's notices.
   void setMonitors(std::string_view layout) const;
 
+  [[nodiscard]] pid_t pid() const { return server_.pid(); }
   /// Waits, however long, until the server ends: a nested one does when its window is closed.
   void waitForEnd() { server_.wait(std::chrono::hours(24 * 365)); }
   /// Starts a program here; its output goes to a file of its own in `logFolder`.

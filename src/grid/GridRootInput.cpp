@@ -1,0 +1,144 @@
+#include <utility>
+
+#include "grid/GridRootState.h"
+#include "settings/Log.h"
+
+namespace tessaspaces {
+
+using State = GridRootState;
+using Kind = GridTarget::Kind;
+
+GridTarget State::targetAt(Point at) const {
+  if (const auto place = plus(); place && place->contains(at)) return {Kind::plus};
+  if (const auto hit = layout().hitTestWindow(at)) {
+    return {Kind::window, desktopAt(hit->tile)->spaceID, windowAt(*hit).id};
+  }
+  if (const auto tile = layout().hitTestTile(at)) return {Kind::tile, desktopAt(*tile)->spaceID};
+  return {};
+}
+
+GridTarget State::hovered() const {
+  return pointer && !drag ? targetAt(*pointer) : GridTarget{};
+}
+
+void State::pointerMoved(Point at) {
+  const auto before = hovered();
+  pointer = at;
+  pointerLeads = true;
+  if (!drag && press && press->button == GridButton::left && press->target.kind == Kind::window &&
+      GridDrag::isMeant(press->at, at)) {
+    startDrag();
+  }
+  if (!drag) {
+    if (hovered() != before) owner.redraw();
+    return;
+  }
+  drag->moveTo(at);
+  const bool outside = !isInside(at);
+  const bool wasOutside = drag->exchangeOutside(outside);
+  // Whoever is told may end the drag.
+  if (outside) {
+    owner.dragOutside(screenPoint(at));
+  } else if (wasOutside) {
+    owner.dragOutside(std::nullopt);
+  }
+  owner.redraw();
+}
+
+void State::pointerLeft() {
+  // A drag follows the pointer wherever it goes.
+  const bool hovering = hovered().kind != Kind::nothing;
+  pointer.reset();
+  pointerLeads = false;
+  if (hovering) owner.redraw();
+}
+
+void State::pressed(GridButton button, Point at) {
+  if (drag) {
+    if (button == GridButton::right) cancelDrag();
+    return;
+  }
+  if (std::exchange(press, std::nullopt)) return;  // two buttons at once mean nothing
+  pointer = at;
+  if (isInside(at)) press = Press{button, at, targetAt(at)};
+}
+
+void State::released(GridButton button, Point at) {
+  if (drag) {
+    if (button != GridButton::left) return;
+    drag->moveTo(at);
+    drop();
+    return;
+  }
+  if (!press || press->button != button) return;
+  const auto target = std::exchange(press, std::nullopt)->target;
+  if (!isInside(at) || targetAt(at) != target) return;
+  switch (button) {
+    case GridButton::left: return click(target);
+    case GridButton::middle:
+      if (target.kind == Kind::window) close(target.space, target.window);
+      return;
+    case GridButton::right: return openMenu(at, target);
+  }
+}
+
+void State::click(const GridTarget& target) {
+  switch (target.kind) {
+    case Kind::window: return activate(target.space, target.window);
+    case Kind::tile: return owner.handle(GridActions::SwitchSpace{target.space});
+    case Kind::plus: return add();
+    case Kind::nothing: return owner.handle(GridActions::Close{});
+  }
+}
+
+// --- Drags
+
+void State::startDrag() {
+  const auto from = std::exchange(press, std::nullopt);
+  const auto at = find(from->target.space, from->target.window);
+  if (!at) return;
+  drag.emplace(windowAt(*at), from->target.space, previewRect(*at), from->at);
+}
+
+void State::drop() {
+  const auto at = drag->pointer();
+  const auto done = *endDrag();
+  pointer = at;
+  const auto& window = done.window();
+  if (!isInside(at)) {
+    owner.dropOutside(window, done.fromSpace(), screenPoint(at), screenPoint(done.topLeft()));
+  } else if (const auto tile = layout().hitTestTile(at)) {
+    const auto content = layout().contentRects()[static_cast<std::size_t>(*tile)];
+    owner.handle(GridActions::MoveWindow{window.id, done.fromSpace(), desktopAt(*tile), done.topLeft(), content});
+  } else {
+    Log::debug("DROP: window {} released outside any desktop tile — not moved", window.id);
+    flyHome(window.id, done.fromSpace(), done.carried());
+  }
+  owner.redraw();
+}
+
+std::optional<GridDrag> State::endDrag() {
+  auto ended = std::exchange(drag, std::nullopt);
+  press.reset();
+  if (ended && ended->isOutside()) owner.dragOutside(std::nullopt);
+  return ended;
+}
+
+void State::cancelDrag() {
+  const auto ended = endDrag();
+  if (!ended) return;
+  flyHome(ended->window().id, ended->fromSpace(), ended->carried());
+  owner.redraw();
+}
+
+void State::flyHome(WindowID window, SpaceID space, const Rect& from) {
+  const auto at = find(space, window);
+  if (!at) return;
+  const auto home = previewRect(*at);
+  if (home.isEmpty()) return;
+  auto shown = sceneWindow(*at);
+  shown.look = GridScene::Window::Look::plain;
+  owner.flyBack(shown, from, home);
+}
+
+}  // namespace tessaspaces

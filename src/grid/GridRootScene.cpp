@@ -1,0 +1,121 @@
+#include <algorithm>
+
+#include "grid/GridRootState.h"
+#include "settings/L10n.h"
+
+namespace tessaspaces {
+
+using State = GridRootState;
+using Look = GridScene::Window::Look;
+
+namespace {
+
+ImageRef imageAt(const std::vector<ImageRef>& images, int index) {
+  const auto at = static_cast<std::size_t>(index);
+  return at < images.size() ? images[at] : nullptr;
+}
+
+}  // namespace
+
+GridScene State::scene() const {
+  GridScene scene;
+  scene.bounds = bounds();
+  scene.menuBarInset = layout().menuBarInset();
+  scene.header = layout().headerRect();
+  if (screen) scene.title = screen->name;
+  scene.hint = hint();
+  scene.filter = filter.text();
+  scene.matches = matches().count;
+  scene.keyboard = keyboard;
+  scene.exploded = layout().explodedAll();
+  for (int tile = 0; tile < tileCount(); ++tile) scene.tiles.push_back(sceneTile(tile));
+
+  const auto under = hovered();
+  if (under.kind == GridTarget::Kind::tile || under.kind == GridTarget::Kind::window) {
+    if (const auto tile = tileOf(under.space)) scene.tiles[static_cast<std::size_t>(*tile)].hovered = true;
+  }
+  if (const auto tile = dropTile()) scene.tiles[static_cast<std::size_t>(*tile)].dropTarget = true;
+  if (const auto rect = plus()) {
+    scene.plus = {*rect, under.kind == GridTarget::Kind::plus, selectionShown() && plusSelected, busyAdding};
+  }
+  if (drag) {
+    if (const auto at = find(drag->fromSpace(), drag->window().id)) {
+      auto window = sceneWindow(*at);
+      window.rect = drag->carried();
+      window.look = Look::plain;
+      scene.carried = {std::move(window)};
+    }
+  }
+  return scene;
+}
+
+GridScene::Tile State::sceneTile(int tile) const {
+  const auto index = static_cast<std::size_t>(tile);
+  const auto& desktop = *desktopAt(tile);
+  GridScene::Tile shown;
+  shown.space = desktop.spaceID;
+  shown.rect = layout().tileRects()[index];
+  shown.content = layout().contentRects()[index];
+  if (const auto known = backgrounds.find(desktop.spaceID); known != backgrounds.end()) {
+    shown.background = known->second;
+  } else {
+    shown.background.image = desktop.wallpaper;
+  }
+  shown.label = desktop.label(tile);
+  shown.number = tile + 1;
+  shown.fullScreenApplication = desktop.frontmostFullscreenAppName.value_or("");
+  shown.windows.reserve(desktop.windows.size());
+  for (int i = 0; i < static_cast<int>(desktop.windows.size()); ++i) shown.windows.push_back(sceneWindow({tile, i}));
+  shown.current = desktop.isCurrent;
+  shown.selected = selectionShown() && !plusSelected && selected == desktop.spaceID;
+  if (!filter.isEmpty()) {
+    const auto& ranks = matches().ranks[index];
+    shown.dimmed = std::none_of(ranks.begin(), ranks.end(), [](const auto& rank) { return rank.has_value(); });
+  }
+  return shown;
+}
+
+GridScene::Window State::sceneWindow(GridLayout::WindowHit at) const {
+  const auto& desktop = *desktopAt(at.tile);
+  const auto& window = windowAt(at);
+  return {window.id,
+          previewRect(at),
+          imageAt(desktop.thumbs, at.window),
+          imageAt(desktop.icons, at.window),
+          window.title,
+          applicationOf(window),
+          lookOf(at)};
+}
+
+Look State::lookOf(GridLayout::WindowHit at) const {
+  const auto space = desktopAt(at.tile)->spaceID;
+  const auto window = windowAt(at).id;
+  if (drag && drag->fromSpace() == space && drag->window().id == window) return Look::lifted;
+  const auto& found = matches();
+  if (found.best && found.best->tile == at.tile && found.best->window == at.window) return Look::best;
+  if (hovered() == GridTarget{GridTarget::Kind::window, space, window}) return Look::hovered;
+  if (filter.isEmpty()) return Look::plain;
+  const auto matched = found.ranks[static_cast<std::size_t>(at.tile)][static_cast<std::size_t>(at.window)];
+  return matched ? Look::lit : Look::dimmed;
+}
+
+std::optional<int> State::dropTile() const {
+  if (drag) {
+    // Beyond the panel another one may have the tile.
+    if (drag->isOutside()) return std::nullopt;
+    return layout().hitTestTile(drag->pointer());
+  }
+  if (!externalHover) return std::nullopt;
+  return layout().hitTestTile(rootPoint(*externalHover));
+}
+
+std::string State::hint() const {
+  if (drag) return L("grid.hint.drag");
+  if (!filter.isEmpty()) {
+    const int count = matches().count;
+    return count == 0 ? L("grid.hint.noMatch") : L10n::t("grid.hint.matches", count);
+  }
+  return keyboard ? L("grid.hint.keys") : L("grid.hint.mouse");
+}
+
+}  // namespace tessaspaces

@@ -115,8 +115,13 @@ bool move(WindowID window, SpaceID toSpace) {
   return tryMove(window, toSpace) == MoveResult::moved;
 }
 
+MoveResult tryMoveOtherAppWindow(WindowID window, SpaceID toSpace) {
+  if (movesWindowsNatively()) return tryMove(window, toSpace);
+  return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
+}
+
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {
-  return movesWindowsNatively() ? move(window, toSpace) : YabaiBridge::moveWindow(window, toSpace);
+  return tryMoveOtherAppWindow(window, toSpace) == MoveResult::moved;
 }
 
 }  // namespace tessaspaces::Spaces

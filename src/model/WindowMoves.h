@@ -20,5 +20,7 @@ MoveResult tryMove(WindowID window, SpaceID toSpace);
 /// The same for a window of another application by whatever way this system has: where windows cannot be moved
 /// natively, through the external window manager.
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace);
+/// `moveOtherAppWindow`, with what else may become of it.
+MoveResult tryMoveOtherAppWindow(WindowID window, SpaceID toSpace);
 
 }  // namespace tessaspaces::Spaces

@@ -29,6 +29,8 @@ class AccessibilityWindow {
   /// Moves and sizes it so that its frame lies there; a maximised or full-screen window gives that up. Applications may
   /// keep to sizes of their own, tiling window managers to their layout. True: asked for.
   virtual bool place(const Rect& frame) = 0;
+  /// Asks it to close, as its close button would: it may put a question to the user first, or stay. True: asked for.
+  virtual bool close() = 0;
 };
 
 /// The windows of other applications, to be looked at and acted on one by one. Any thread.

@@ -36,7 +36,7 @@ TEST_P(Contract, AWindowIsFoundByItsProcessAndNumber) {
 
   driver->close(window);
   EXPECT_FALSE(found->frame() || found->title() || found->titleBar());
-  EXPECT_FALSE(found->isAt({200, 200}) || found->raise() || found->place({0, 0, 100, 100}));
+  EXPECT_FALSE(found->isAt({200, 200}) || found->raise() || found->place({0, 0, 100, 100}) || found->close());
   EXPECT_FALSE(platform().accessibility().find(owner, window));
 }
 
@@ -102,6 +102,22 @@ TEST_P(Contract, APlacedWindowHasItsFrameThere) {
         << found->frame()->x << ", " << found->frame()->y << " " << found->frame()->width << " x "
         << found->frame()->height;
   }
+}
+
+TEST_P(Contract, AWindowThatIsAskedToCloseCloses) {
+  start();
+  const auto shown = driver->open({.title = "shown"});
+  const auto hidden = driver->open({.title = "hidden", .desktop = 2});
+  const auto stays = driver->open({.title = "stays"});
+  driver->settle();
+  for (const auto window : {shown, hidden}) {
+    const auto found = platform().accessibility().find(owner, window);
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(found->close());
+    EXPECT_TRUE(eventually(*driver, [&] { return !info(window); })) << window;
+    EXPECT_FALSE(found->close()) << "gone";
+  }
+  EXPECT_TRUE(info(stays).has_value());
 }
 
 TEST_P(Contract, TheMouseGoesWhereItIsSentAndTellsWhatIsHeld) {

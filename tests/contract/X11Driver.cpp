@@ -107,7 +107,11 @@ class X11Driver final : public WorldDriver {
   Platform& platform() override { return *platform_; }
 
   bool until(const std::function<bool()>& holds) override {
-    return loop_->runUntil(holds, loop_->now() + harness::patience);
+    const auto look = [&] {
+      clients_.answerCloseRequests();
+      return holds();
+    };
+    return loop_->runUntil(look, loop_->now() + harness::patience);
   }
 
   void settle() override {

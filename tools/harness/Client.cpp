@@ -43,6 +43,7 @@ xcb_window_t Client::openUnmanaged(const WindowSpec& spec) {
     // What the harness's i3 configuration assigns workspaces by.
     x_.setText(window, "WM_WINDOW_ROLE", "STRING", "desktop-" + std::to_string(*spec.desktop + 1));
   }
+  x_.setNumbers(window, "WM_PROTOCOLS", "ATOM", {x_.atom("WM_DELETE_WINDOW")});
   xcb_map_window(x_.get(), window);
   x_.flush();
   return window;
@@ -50,7 +51,7 @@ xcb_window_t Client::openUnmanaged(const WindowSpec& spec) {
 
 xcb_window_t Client::open(const WindowSpec& spec) {
   const xcb_window_t window = openUnmanaged(spec);
-  const bool managed = x_.waitFor([&] {
+  const bool managed = waitFor([&] {
     const auto all = x_.numbers(x_.root(), "_NET_CLIENT_LIST");
     const auto desktop = x_.number(window, "_NET_WM_DESKTOP");
     return std::find(all.begin(), all.end(), window) != all.end() && desktop &&
@@ -63,6 +64,30 @@ xcb_window_t Client::open(const WindowSpec& spec) {
 void Client::close(xcb_window_t window) {
   xcb_destroy_window(x_.get(), window);
   x_.flush();
+}
+
+void Client::answerCloseRequests() {
+  while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(x_.get())}) take(*event);
+}
+
+void Client::take(const xcb_generic_event_t& event) {
+  constexpr std::uint8_t withoutSender = 0x7f;
+  if ((event.response_type & withoutSender) != XCB_CLIENT_MESSAGE) return;
+  const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+  if (message.type == x_.atom("WM_PROTOCOLS") && message.data.data32[0] == x_.atom("WM_DELETE_WINDOW")) {
+    close(message.window);
+  }
+}
+
+bool Client::waitFor(const std::function<bool()>& holds) {
+  const Deadline deadline(patience);
+  while (!holds()) {
+    const auto event = x_.nextEvent(deadline);
+    if (!event) return holds();
+    take(*event);
+    answerCloseRequests();
+  }
+  return true;
 }
 
 void Client::setTitle(xcb_window_t window, std::string_view title) {
@@ -98,7 +123,7 @@ void Client::draw(xcb_window_t window, const std::array<std::uint32_t, 4>& quart
 void Client::resize(xcb_window_t window, int width, int height) {
   const std::uint32_t size[] = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
   xcb_configure_window(x_.get(), window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
-  const bool granted = x_.waitFor([&] {
+  const bool granted = waitFor([&] {
     const auto geometry = x_.reply(xcb_get_geometry_reply, xcb_get_geometry(x_.get(), window));
     return geometry && geometry->width == width && geometry->height == height;
   });

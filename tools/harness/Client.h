@@ -22,7 +22,8 @@ struct WindowSpec {
   std::optional<int> desktop = {};
 };
 
-/// An application with windows, on a connection of its own: they all go when it goes.
+/// An application with windows, on a connection of its own: they all go when it goes. Its windows know of close
+/// buttons.
 class Client {
  public:
   explicit Client(const XServer& server);
@@ -33,6 +34,8 @@ class Client {
   /// The same without waiting: for storms, and where no window manager runs.
   xcb_window_t openUnmanaged(const WindowSpec& spec = {});
   void close(xcb_window_t window);
+  /// Closes the windows whose close button was pressed since the last call, as programs do by themselves.
+  void answerCloseRequests();
   void setTitle(xcb_window_t window, std::string_view title);
   /// Makes the window look like this wherever it is laid open from now on: colours (0xRRGGBB) of its quarters, top
   /// left, top right, bottom left, bottom right.
@@ -43,6 +46,9 @@ class Client {
   [[nodiscard]] const XConnection& connection() const { return x_; }
 
  private:
+  bool waitFor(const std::function<bool()>& holds);
+  void take(const xcb_generic_event_t& event);
+
   XConnection x_;
 };
 

@@ -47,6 +47,10 @@ class FoundWindow final : public AccessibilityWindow {
     return change(Operation::placeWindow, listed(window_, frame.x, frame.y, frame.width, frame.height),
                   [id = window_, frame](WorldState& state) { rules::setBounds(state, id, frame); });
   }
+  bool close() override {
+    return change(Operation::closeWindow, listed(window_),
+                  [id = window_](WorldState& state) { rules::removeWindow(state, id); });
+  }
 
  private:
   /// The window, with the state that keeps it; null when it is gone or nobody answers.

@@ -47,6 +47,7 @@ std::string_view operationName(Operation operation) {
     case Operation::windowIsAt: return "windowIsAt";
     case Operation::raiseWindow: return "raiseWindow";
     case Operation::placeWindow: return "placeWindow";
+    case Operation::closeWindow: return "closeWindow";
     case Operation::mouseLocation: return "mouseLocation";
     case Operation::heldInput: return "heldInput";
     case Operation::moveMouse: return "moveMouse";

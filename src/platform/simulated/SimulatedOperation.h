@@ -57,6 +57,7 @@ enum class Operation {
   windowIsAt,
   raiseWindow,
   placeWindow,
+  closeWindow,
   mouseLocation,
   heldInput,
   moveMouse,
@@ -77,7 +78,7 @@ struct SimulatedFaults {
   std::set<Operation> unanswered;
   /// Operations that this system does not offer: performBridged (`bridged...`) and the mouse actions return false.
   std::set<Operation> unavailable;
-  /// Requests that are accepted and then have no effect (switches, moves, activation, the mouse).
+  /// Requests that are accepted and then have no effect (switches, moves, activation, closing, the mouse).
   std::set<Operation> ignored;
   /// Requests whose effect comes later: switches, moves, activation, swipes.
   std::map<Operation, Duration> delayed;

@@ -36,6 +36,7 @@ class Channel;
   X(netWmStateMaximizedVert, "_NET_WM_STATE_MAXIMIZED_VERT") \
   X(netWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")        \
   X(netMoveresizeWindow, "_NET_MOVERESIZE_WINDOW")           \
+  X(netCloseWindow, "_NET_CLOSE_WINDOW")                     \
   X(netWmWindowType, "_NET_WM_WINDOW_TYPE")                  \
   X(typeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                \
   X(typeDialog, "_NET_WM_WINDOW_TYPE_DIALOG")                \

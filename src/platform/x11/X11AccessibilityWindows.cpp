@@ -56,6 +56,7 @@ class X11Window final : public AccessibilityWindow {
   bool isAt(Point point) override;
   bool raise() override;
   bool place(const Rect& frame) override;
+  bool close() override;
 
  private:
   std::optional<WindowRecord> read() {
@@ -178,6 +179,12 @@ bool X11Window::place(const Rect& frame) {
   connection_.sendToRoot(window_, atoms.netMoveresizeWindow,
                          {XCB_GRAVITY_NORTH_WEST | allFour << 8 | fromPager << 12, number(frame.x), number(frame.y),
                           size(frame.width, found->decorations.width), size(frame.height, found->decorations.height)});
+  return true;
+}
+
+bool X11Window::close() {
+  if (!read()) return false;
+  connection_.sendToRoot(window_, connection_.atoms().netCloseWindow, {connection_.timestamp(), fromPager});
   return true;
 }
 

@@ -1,0 +1,14 @@
+#include "grid/GridZoomWish.h"
+
+#include <chrono>
+
+#include "settings/Settings.h"
+
+namespace tessaspaces {
+
+std::optional<Duration> gridZoomWish() {
+  if (!Settings::showGridZoomAnimation()) return std::nullopt;
+  return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(duration(Settings::gridZoomSpeed())));
+}
+
+}  // namespace tessaspaces

@@ -10,8 +10,8 @@
 
 namespace tessaspaces {
 
-/// Draws the scene of one panel. Keeps what is costly to make (scaled pictures, shadows, the backdrop) from one scene to
-/// the next. Points and regions are in the panel's points, origin at its top left, as in GridScene; edges are put on
+/// Draws the scene of one panel. Keeps what is costly to make (scaled pictures, shadows, the backdrop) from one scene
+/// to the next. Points and regions are in the panel's points, origin at its top left, as in GridScene; edges are put on
 /// whole device pixels. Main thread.
 class ScenePainter {
  public:
@@ -34,8 +34,8 @@ class ScenePainter {
   /// What a tile contains, as the desktop would be: square, with no rings or names; `content` is GridScene::Tile's.
   /// Null when there is no such tile.
   [[nodiscard]] QImage renderContent(const Rect& content);
-  /// A window's preview as it is drawn at that size, with its shadow, as it looks in the user's hand: `bounds` is what it
-  /// covers when its rectangle is `rect`.
+  /// A window's preview as it is drawn at that size, with its shadow, as it looks in the user's hand: `bounds` is what
+  /// it covers when its rectangle is `rect`.
   [[nodiscard]] QRectF carriedBounds(const Rect& rect) const;
   void paintCarried(QPainter& painter, const GridScene::Window& window, const Rect& rect, double opacity);
 

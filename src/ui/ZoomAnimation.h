@@ -9,7 +9,8 @@
 
 namespace tessaspaces {
 
-/// The frames of a zoom between a panel and one of its tiles, from pictures that are made once at the start. Main thread.
+/// The frames of a zoom between a panel and one of its tiles, from pictures that are made once at the start. Main
+/// thread.
 class ZoomAnimation {
  public:
   /// Takes its pictures of the scene that the painter has now.

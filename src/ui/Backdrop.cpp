@@ -84,10 +84,10 @@ Small gradient(const Theme& theme) {
 }
 
 /// Thresholds in an order in which no pattern is seen; without them a dark gradient shows bands.
-constexpr std::array<std::uint16_t, 64> bayer = {
-    0,  32, 8,  40, 2,  34, 10, 42, 48, 16, 56, 24, 50, 18, 58, 26, 12, 44, 4,  36, 14, 46,
-    6,  38, 60, 28, 52, 20, 62, 30, 54, 22, 3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27,
-    49, 17, 57, 25, 15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
+constexpr std::array<std::uint16_t, 64> bayer = {0,  32, 8,  40, 2,  34, 10, 42, 48, 16, 56, 24, 50, 18, 58, 26,
+                                                 12, 44, 4,  36, 14, 46, 6,  38, 60, 28, 52, 20, 62, 30, 54, 22,
+                                                 3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27, 49, 17, 57, 25,
+                                                 15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
 
 /// Row of the small picture in full width, four values a pixel as QRgb has them in memory, with 8 bits more.
 std::vector<std::uint16_t> wideRow(const Small& small, int y, int width) {
@@ -140,8 +140,8 @@ const QImage& Backdrop::image(const TileBackground& background, QSize size, cons
   const bool usable = !wrapped(background.image).isNull();
   const ImageRef wallpaper = usable ? background.image : nullptr;
   if (image_.size() != size || wallpaper_ != wallpaper || !(theme_ == theme)) {
-    image_ = size.isEmpty() ? QImage()
-                            : enlarged(wallpaper ? ofWallpaper(wallpaper, size, theme) : gradient(theme), size);
+    image_ =
+        size.isEmpty() ? QImage() : enlarged(wallpaper ? ofWallpaper(wallpaper, size, theme) : gradient(theme), size);
     wallpaper_ = wallpaper;
     theme_ = theme;
   }

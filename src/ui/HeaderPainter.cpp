@@ -33,8 +33,8 @@ void paintKeyboard(QPainter& painter, const QRect& at, int line, const QColor& c
   const int step = std::max(2, (at.width() - 4 * line) / 4);
   for (int row = 0; row < 2; ++row) {
     for (int i = 0; i < 4; ++i) {
-      painter.fillRect(
-          QRect(at.x() + 3 * line + i * step, at.y() + at.height() * (row + 1) / 4 - key / 2, key, key), color);
+      painter.fillRect(QRect(at.x() + 3 * line + i * step, at.y() + at.height() * (row + 1) / 4 - key / 2, key, key),
+                       color);
     }
   }
   painter.fillRect(QRect(at.x() + at.width() / 4, at.y() + at.height() * 3 / 4 - key / 2, at.width() / 2, key), color);
@@ -61,8 +61,8 @@ QRect HeaderPainter::fieldRect(const GridScene& scene) const {
   if (!scene.keyboard && scene.filter.empty()) return {};
   const double width = std::min(fieldWidth, scene.bounds.width * fieldPart);
   const double room = GridLayout::headerHeight + GridLayout::margin / 2;
-  return kit_.pixels.rect({(scene.bounds.width - width) / 2, scene.menuBarInset + (room - fieldHeight) / 2, width,
-                           fieldHeight});
+  return kit_.pixels.rect(
+      {(scene.bounds.width - width) / 2, scene.menuBarInset + (room - fieldHeight) / 2, width, fieldHeight});
 }
 
 QRect HeaderPainter::hintRect(const GridScene& scene) const {

@@ -33,9 +33,8 @@ ReadyPicture made(const PictureRequest& request) {
   const QRect part = request.part & whole.rect();
   if (whole.isNull() || part.isEmpty() || request.size.isEmpty()) return {};
   QImage scaled = view(whole, part, QImage::Format_ARGB32_Premultiplied);
-  scaled = scaled.size() == request.size
-               ? scaled.copy()
-               : scaled.scaled(request.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  scaled = scaled.size() == request.size ? scaled.copy()
+                                         : scaled.scaled(request.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   scaled.convertTo(QImage::Format_ARGB32_Premultiplied);
   const bool opaque = isOpaque(scaled);
   const int corner = std::min({request.corner, scaled.width() / 2, scaled.height() / 2});

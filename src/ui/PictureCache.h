@@ -13,8 +13,8 @@
 
 namespace tessaspaces {
 
-/// A picture without a copy of its pixels, which it keeps alive. Null for none, and for one whose pixels are not as many
-/// as it says.
+/// A picture without a copy of its pixels, which it keeps alive. Null for none, and for one whose pixels are not as
+/// many as it says.
 [[nodiscard]] QImage wrapped(const ImageRef& image);
 
 /// A picture in the size that it is drawn in. What is opaque of it is drawn by plain copying.

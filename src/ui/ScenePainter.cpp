@@ -131,7 +131,8 @@ void ScenePainter::State::paint(QPainter& painter, const QRect& clip) {
   for (const auto i : touched) tiles.paintShadow(painter, scene.tiles[i]);
   for (const auto i : touched) {
     const QRect at = tiles.contentRect(scene.tiles[i]);
-    if (at.intersects(clip)) ReadyPicture(content(i), kit.tileCorner(scene.tiles[i].content)).draw(painter, at.topLeft());
+    if (at.intersects(clip))
+      ReadyPicture(content(i), kit.tileCorner(scene.tiles[i].content)).draw(painter, at.topLeft());
   }
   for (const auto i : touched) tiles.paintRings(painter, scene.tiles[i]);
   if (scene.plus && tiles.bounds(*scene.plus).intersects(clip)) tiles.paintPlus(painter, *scene.plus);
@@ -186,7 +187,8 @@ QImage ScenePainter::render() {
 
 QImage ScenePainter::renderContent(const Rect& content) {
   const auto& tiles = state_->scene.tiles;
-  const auto found = std::find_if(tiles.begin(), tiles.end(), [&](const auto& tile) { return tile.content == content; });
+  const auto found =
+      std::find_if(tiles.begin(), tiles.end(), [&](const auto& tile) { return tile.content == content; });
   if (found == tiles.end() || content.isEmpty()) return {};
   // Moved and enlarged as a scene of its own.
   const double larger = std::clamp(state_->scene.bounds.width / content.width, 1.0, finerContent);

@@ -100,9 +100,8 @@ void ShadowPatch::draw(QPainter& painter, const QRect& around) const {
                     QRect(end - blur - rightPart, 0, blur + rightPart, blur + topPart));
   painter.drawImage(QPoint(outside.x(), bottom - blur - bottomPart), corners_,
                     QRect(0, end - blur - bottomPart, blur + leftPart, blur + bottomPart));
-  painter.drawImage(
-      QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners_,
-      QRect(end - blur - rightPart, end - blur - bottomPart, blur + rightPart, blur + bottomPart));
+  painter.drawImage(QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners_,
+                    QRect(end - blur - rightPart, end - blur - bottomPart, blur + rightPart, blur + bottomPart));
   for (int x = outside.x() + blur + leftPart; x < right - blur - rightPart; x += pieceLength) {
     const int length = std::min(pieceLength, right - blur - rightPart - x);
     painter.drawImage(QPoint(x, outside.y()), edges_[1], QRect(0, 0, length, blur));

@@ -43,12 +43,8 @@ double keptSide(bool overNear, bool overFar) {
 PictureRequest WindowPainter::previewRequest(const Window& window, const Rect& rect, const Rect& content) const {
   const QRect at = kit_.pixels.rect(rect);
   const Image& image = *window.picture;
-  PictureRequest request{window.picture,
-                         at.size(),
-                         QRect(0, 0, image.width, image.height),
-                         kit_.windowCorner(rect),
-                         kit_.length(1),
-                         faded(kit_.theme.hairline, 1.2).rgba()};
+  PictureRequest request{window.picture,          at.size(),      QRect(0, 0, image.width, image.height),
+                         kit_.windowCorner(rect), kit_.length(1), faded(kit_.theme.hairline, 1.2).rgba()};
   if (image.width < 1 || image.height < 1 || at.isEmpty()) return request;
   const double stretch = (static_cast<double>(at.width()) / at.height()) * image.height / image.width;
   const bool left = near(rect.minX(), content.minX());

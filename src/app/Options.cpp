@@ -20,6 +20,8 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
     const std::string_view argument = arguments[i];
     if (argument == "--version") {
       options.task = Options::Task::showVersion;
+    } else if (argument == "--test-grid") {
+      options.task = Options::Task::testGrid;
     } else if (argument == "--help" || argument == "-h") {
       options.task = Options::Task::showHelp;
     } else if (argument == platformOption || argument.substr(0, platformPrefix.size()) == platformPrefix) {
@@ -44,7 +46,7 @@ std::optional<Options> parseOptions(std::span<const char* const> arguments, std:
 }
 
 std::string_view helpText() {
-  return "Usage: tessaspaces [--platform auto|x11|simulated]\n"
+  return "Usage: tessaspaces [--platform auto|x11|simulated] [--test-grid]\n"
          "\n"
          "Lays your virtual desktops out as a grid and moves through it by global hot keys.\n"
          "Runs until it is quit from its icon in the system tray, or by a signal.\n"
@@ -52,6 +54,7 @@ std::string_view helpText() {
          "  --platform auto       the X display that DISPLAY names (the default)\n"
          "  --platform x11        the same\n"
          "  --platform simulated  a made-up window server inside the program, to look at its windows\n"
+         "  --test-grid           open the overview, check what it shows, tell in words, and end\n"
          "  --version             print the version\n"
          "  --help                print this\n"
          "\n"

@@ -9,7 +9,7 @@ namespace tessaspaces {
 
 /// What the command line asks for.
 struct Options {
-  enum class Task { run, showVersion, showHelp };
+  enum class Task { run, testGrid, showVersion, showHelp };
   enum class PlatformChoice { automatic, x11, simulated };
 
   Task task = Task::run;

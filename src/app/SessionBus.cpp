@@ -42,17 +42,20 @@ void prepareEnvironment() {
   setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
 }
 
-void connect(std::function<void(QDBusConnection)> connected, std::function<void()> absent) {
+namespace {
+
+void connectTo(QDBusConnection (*open)(), std::function<void(QDBusConnection)> connected,
+               std::function<void()> absent) {
   // Connecting waits for the bus to answer, which a hung one never does: a thread that nobody joins asks, and
   // the job that the dispatch joins gives up when the program ends.
-  platform().dispatch().background([connected = std::move(connected), absent = std::move(absent)] {
+  platform().dispatch().background([open, connected = std::move(connected), absent = std::move(absent)] {
     const auto answer = std::make_shared<std::optional<QDBusConnection>>();
     {
       const std::lock_guard lock(waiting().mutex);
       ++waiting().asked;
     }
-    std::thread([answer] {
-      const QDBusConnection bus = QDBusConnection::sessionBus();
+    std::thread([open, answer] {
+      const QDBusConnection bus = open();
       const std::lock_guard lock(waiting().mutex);
       *answer = bus;
       --waiting().asked;
@@ -69,6 +72,16 @@ void connect(std::function<void(QDBusConnection)> connected, std::function<void(
       }
     });
   });
+}
+
+}  // namespace
+
+void connect(std::function<void(QDBusConnection)> connected, std::function<void()> absent) {
+  connectTo(&QDBusConnection::sessionBus, std::move(connected), std::move(absent));
+}
+
+void connectSystem(std::function<void(QDBusConnection)> connected, std::function<void()> absent) {
+  connectTo(&QDBusConnection::systemBus, std::move(connected), std::move(absent));
 }
 
 bool abandon() {

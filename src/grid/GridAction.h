@@ -32,8 +32,7 @@ struct Close {};
 
 }  // namespace GridActions
 
-using GridAction =
-    std::variant<GridActions::MoveWindow, GridActions::SwitchSpace, GridActions::SwitchSpaceAndActivate,
-                 GridActions::Close>;
+using GridAction = std::variant<GridActions::MoveWindow, GridActions::SwitchSpace, GridActions::SwitchSpaceAndActivate,
+                                GridActions::Close>;
 
 }  // namespace tessaspaces

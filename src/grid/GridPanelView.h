@@ -18,11 +18,19 @@ enum class GridButton { left, middle, right };
 
 /// Keys that mean something in the overview besides what they write.
 enum class GridKey {
-  left, right, up, down,
-  home, end,
-  enter, escape,
-  tab, backTab,
-  backspace, remove, insert,
+  left,
+  right,
+  up,
+  down,
+  home,
+  end,
+  enter,
+  escape,
+  tab,
+  backTab,
+  backspace,
+  remove,
+  insert,
   rename,  // F2
   menu,    // the menu key, shift + F10
 };
@@ -36,8 +44,8 @@ struct GridMenuItem {
   std::function<void()> action;
 };
 
-/// What a panel's window tells of the user. Points are in the panel's coordinates (see GridScene) and may lie outside it
-/// while a button is held. Main thread.
+/// What a panel's window tells of the user. Points are in the panel's coordinates (see GridScene) and may lie outside
+/// it while a button is held. Main thread.
 class GridPanelInput {
  public:
   virtual ~GridPanelInput() = default;

@@ -1,5 +1,6 @@
 #include "hotkeys/HotKeyCenter.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -38,7 +39,7 @@ bool HotKeyCenter::registerHotKey(KeyCombo combo, const std::string& label, std:
     failures_.push_back({combo, label, registration.status});
     return false;
   }
-  actions_[nextID_] = std::move(action);
+  entries_[nextID_] = {combo, std::move(action)};
   refs_.push_back(*registration.handle);
   if (nextID_ == std::numeric_limits<std::uint32_t>::max()) fatal("hot-key ids are used up");
   ++nextID_;
@@ -48,16 +49,24 @@ bool HotKeyCenter::registerHotKey(KeyCombo combo, const std::string& label, std:
 void HotKeyCenter::unregisterAll() {
   for (const HotKeyHandle ref : refs_) platform().hotKeys().unregisterHotKey(ref);
   refs_.clear();
-  actions_.clear();
+  entries_.clear();
   failures_.clear();
 }
 
 void HotKeyCenter::fire(std::uint32_t id) {
-  const auto found = actions_.find(id);
-  if (found == actions_.end()) return;
+  const auto found = entries_.find(id);
+  if (found == entries_.end()) return;
   // A copy, since an action may register the set anew and so take itself away.
-  const auto action = found->second;
+  const auto action = found->second.action;
   action();
+}
+
+bool HotKeyCenter::press(KeyCombo combo) {
+  const auto found =
+      std::find_if(entries_.begin(), entries_.end(), [&](const auto& entry) { return entry.second.combo == combo; });
+  if (found == entries_.end()) return false;
+  fire(found->first);
+  return true;
 }
 
 }  // namespace tessaspaces

@@ -38,6 +38,9 @@ class HotKeyCenter {
   void unregisterAll();
   /// Runs the action of a registered combo; nothing for an id that is not registered any more.
   void fire(std::uint32_t id);
+  /// Runs the action of this combo if it is registered: whoever has the whole
+  /// keyboard hands in what the system cannot deliver meanwhile. False when it is none.
+  bool press(KeyCombo combo);
 
   /// What has been refused since the last `unregisterAll`, in order.
   [[nodiscard]] const std::vector<HotKeyFailure>& failures() const { return failures_; }
@@ -46,7 +49,11 @@ class HotKeyCenter {
  private:
   void installHandler();
 
-  std::map<std::uint32_t, std::function<void()>> actions_;
+  struct Entry {
+    KeyCombo combo;
+    std::function<void()> action;
+  };
+  std::map<std::uint32_t, Entry> entries_;
   std::vector<HotKeyHandle> refs_;
   std::vector<HotKeyFailure> failures_;
   std::uint32_t nextID_ = 1;

@@ -63,6 +63,16 @@ TEST_F(HotKeys, APressUnderWayDoesNotReachTheNextSet) {
   EXPECT_EQ(presses, 1);
 }
 
+TEST_F(HotKeys, WhoeverHasTheKeyboardHandsCombosIn) {
+  start("left 960x1080 | A*");
+  sim->takeKey(leftKey);
+  center.registerHotKey(leftKey, "refused", [&] { presses += 100; });
+  center.registerHotKey(rightKey, "had", [&] { ++presses; });
+  EXPECT_FALSE(center.press(leftKey)) << "another program's stays that program's";
+  EXPECT_TRUE(center.press(rightKey));
+  EXPECT_EQ(presses, 1);
+}
+
 TEST_F(HotKeys, AnActionMayReplaceTheWholeSet) {
   start("left 960x1080 | A*");
   center.registerHotKey(rightKey, "old", [&] {

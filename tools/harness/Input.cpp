@@ -3,6 +3,8 @@
 #include <xcb/xtest.h>
 
 #include <array>
+#include <cctype>
+#include <string>
 
 #include "harness/XServer.h"
 
@@ -126,6 +128,39 @@ void Keyboard::tap(xcb_keycode_t key) const {
   x_.flush();
 }
 
+void Keyboard::strike(std::uint32_t keysym) const {
+  const xcb_keycode_t key = keymap().keyFor(keysym);
+  if (key == 0) throw Failure("this keyboard has no such key");
+  tap(key);
+  x_.roundTrip();
+}
+
+void Keyboard::type(std::string_view text) const {
+  const Keymap map = keymap();
+  const xcb_keycode_t shift = map.keyFor(keys::shift);
+  for (const char character : text) {
+    const bool capital = std::isupper(static_cast<unsigned char>(character)) != 0;
+    const int plain = std::tolower(static_cast<unsigned char>(character));
+    const xcb_keycode_t key = map.keyFor(static_cast<std::uint32_t>(plain));
+    if (key == 0) throw Failure("this keyboard has no key for a character of " + std::string(text));
+    if (capital) fake(XCB_KEY_PRESS, shift);
+    tap(key);
+    if (capital) fake(XCB_KEY_RELEASE, shift);
+  }
+  x_.roundTrip();
+}
+
+void Keyboard::keyDown(KeyCombo combo) const {
+  hold(combo.modifiers);
+  fake(XCB_KEY_PRESS, keymap().keyFor(combo));
+  x_.roundTrip();
+}
+
+void Keyboard::keyUp(KeyCombo combo) const {
+  fake(XCB_KEY_RELEASE, keymap().keyFor(combo));
+  release(combo.modifiers);
+}
+
 Pointer::Pointer(const XServer& server) : x_(server.display()) {}
 
 void Pointer::moveTo(int x, int y) const {
@@ -134,11 +169,34 @@ void Pointer::moveTo(int x, int y) const {
   x_.roundTrip();
 }
 
-void Pointer::click(int button) const {
-  const auto which = static_cast<std::uint8_t>(button);
-  xcb_test_fake_input(x_.get(), XCB_BUTTON_PRESS, which, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-  xcb_test_fake_input(x_.get(), XCB_BUTTON_RELEASE, which, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+void Pointer::press(int button) const {
+  xcb_test_fake_input(x_.get(), XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button), XCB_CURRENT_TIME, XCB_NONE, 0, 0,
+                      0);
   x_.roundTrip();
+}
+
+void Pointer::release(int button) const {
+  xcb_test_fake_input(x_.get(), XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button), XCB_CURRENT_TIME, XCB_NONE, 0, 0,
+                      0);
+  x_.roundTrip();
+}
+
+void Pointer::click(int button) const {
+  press(button);
+  release(button);
+}
+
+std::pair<int, int> Pointer::position() const {
+  const auto found = x_.reply(xcb_query_pointer_reply, xcb_query_pointer(x_.get(), x_.root()));
+  if (!found) throw Failure("the server has no pointer");
+  return {found->root_x, found->root_y};
+}
+
+void Pointer::glideTo(int x, int y, int steps) const {
+  const auto [fromX, fromY] = position();
+  for (int step = 1; step <= steps; ++step) {
+    moveTo(fromX + (x - fromX) * step / steps, fromY + (y - fromY) * step / steps);
+  }
 }
 
 KeyHolder::KeyHolder(const XServer& server) : x_(server.display()) {}

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string_view>
+#include <utility>
+
 #include "base/KeyCombo.h"
 #include "harness/XConnection.h"
 
@@ -26,6 +29,22 @@ class Keymap {
   std::vector<std::uint32_t> keysyms_;
 };
 
+/// Keysyms of keys that have no code of their own in a KeyCombo.
+namespace keys {
+inline constexpr std::uint32_t escape = 0xFF1B;
+inline constexpr std::uint32_t enter = 0xFF0D;
+inline constexpr std::uint32_t tab = 0xFF09;
+inline constexpr std::uint32_t backspace = 0xFF08;
+inline constexpr std::uint32_t remove = 0xFFFF;
+inline constexpr std::uint32_t insert = 0xFF63;
+inline constexpr std::uint32_t left = 0xFF51;
+inline constexpr std::uint32_t up = 0xFF52;
+inline constexpr std::uint32_t right = 0xFF53;
+inline constexpr std::uint32_t down = 0xFF54;
+inline constexpr std::uint32_t f2 = 0xFFBF;
+inline constexpr std::uint32_t shift = 0xFFE1;
+}  // namespace keys
+
 /// Real key presses, made by the server through XTEST: they run into grabs as a person's would.
 class Keyboard {
  public:
@@ -38,6 +57,13 @@ class Keyboard {
   void hold(std::uint32_t modifiers) const;
   void release(std::uint32_t modifiers) const;
   void tap(xcb_keycode_t key) const;  // sent, not waited for
+  /// A key by its keysym, with whatever modifiers are held: 0xFF1B is Escape.
+  void strike(std::uint32_t keysym) const;
+  /// Types letters, digits and spaces, capitals with Shift.
+  void type(std::string_view text) const;
+  /// Holds a combo down, and lets it go: the server repeats the key in between where the keyboard does.
+  void keyDown(KeyCombo combo) const;
+  void keyUp(KeyCombo combo) const;
 
   [[nodiscard]] Keymap keymap() const { return Keymap(x_); }
   [[nodiscard]] const XConnection& connection() const { return x_; }
@@ -53,6 +79,11 @@ class Pointer {
   explicit Pointer(const XServer& server);
   void moveTo(int x, int y) const;
   void click(int button = 1) const;
+  void press(int button = 1) const;
+  void release(int button = 1) const;
+  /// Moves there in a number of steps, as a hand does.
+  void glideTo(int x, int y, int steps = 8) const;
+  [[nodiscard]] std::pair<int, int> position() const;
 
  private:
   XConnection x_;

@@ -203,7 +203,7 @@ Point PartInterface::pressPoint() const {
 void PartInterface::doAction(const QString& action) {
   if (!isValid() || !canvas_->isVisible()) return;
   const Point at = pressPoint();
-  const QPointF local = QRectF(canvas_->fromScene({at.x, at.y, 1, 1})).center();
+  const QPointF local = QRectF(canvas_->fromScene(Rect{at.x, at.y, 1, 1})).center();
   const auto send = [canvas = canvas_, local](QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons held) {
     if (canvas == nullptr) return;
     QMouseEvent event(type, local, canvas->mapToGlobal(local), button, held, Qt::NoModifier);

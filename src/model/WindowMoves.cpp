@@ -120,8 +120,10 @@ bool move(WindowID window, SpaceID toSpace) {
 }
 
 MoveResult tryMoveOtherAppWindow(WindowID window, SpaceID toSpace) {
-  if (movesWindowsNatively()) return tryMove(window, toSpace);
-  return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
+  if (!movesWindowsNatively()) return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
+  WindowMove moving(window, toSpace);
+  moving.start();
+  return moving.finish();
 }
 
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {

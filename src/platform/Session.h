@@ -27,6 +27,8 @@ class Preferences {
   virtual std::vector<std::string> preferredLanguages() = 0;
   /// Whether content follows the fingers on a touchpad; swipes between desktops are turned round with it.
   virtual bool naturalScrolling() = 0;
+  /// Whether the user wants no animations. Asks the system each time.
+  virtual bool reduceMotion() = 0;
 };
 
 /// Starting this program when the user logs in. Any thread.

@@ -43,6 +43,7 @@ class FakePreferences : public Preferences {
   }
   std::vector<std::string> preferredLanguages() override { return languages; }
   bool naturalScrolling() override { return true; }
+  bool reduceMotion() override { return false; }
 };
 
 class FakeLoginItem : public LoginItem {

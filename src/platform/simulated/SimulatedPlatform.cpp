@@ -194,6 +194,9 @@ void SimulatedPlatform::setPreferredLanguages(std::vector<std::string> tags) {
 void SimulatedPlatform::setNaturalScrolling(bool natural) {
   parts_->preferences.setNaturalScrolling(natural);
 }
+void SimulatedPlatform::setReduceMotion(bool reduce) {
+  parts_->preferences.setReduceMotion(reduce);
+}
 
 void SimulatedPlatform::setPermissions(bool accessibility, bool screenRecording) {
   parts_->permissions.set(accessibility, screenRecording);

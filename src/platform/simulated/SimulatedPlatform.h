@@ -68,6 +68,8 @@ class SimulatedPlatform final : public Platform {
   void setPreferredLanguages(std::vector<std::string> tags);
   /// True unless set.
   void setNaturalScrolling(bool natural);
+  /// False unless set.
+  void setReduceMotion(bool reduce);
   /// Both true unless set.
   void setPermissions(bool accessibility, bool screenRecording);
   /// All facts are fine unless set.

@@ -18,6 +18,16 @@ bool SimulatedPreferences::naturalScrolling() {
   return naturalScrolling_;
 }
 
+bool SimulatedPreferences::reduceMotion() {
+  const std::lock_guard guard(lock_);
+  return reduceMotion_;
+}
+
+void SimulatedPreferences::setReduceMotion(bool reduce) {
+  const std::lock_guard guard(lock_);
+  reduceMotion_ = reduce;
+}
+
 void SimulatedPreferences::setNaturalScrolling(bool natural) {
   const std::lock_guard guard(lock_);
   naturalScrolling_ = natural;

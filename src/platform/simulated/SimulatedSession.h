@@ -14,16 +14,19 @@ class SimulatedPreferences final : public Preferences {
   std::optional<PreferenceValue> legacyValue(std::string_view key) override;
   std::vector<std::string> preferredLanguages() override;
   bool naturalScrolling() override;
+  bool reduceMotion() override;
 
   void setLegacyValue(std::string key, PreferenceValue value);
   void setPreferredLanguages(std::vector<std::string> tags);
   void setNaturalScrolling(bool natural);
+  void setReduceMotion(bool reduce);
 
  private:
   std::mutex lock_;  // guards all below
   std::map<std::string, PreferenceValue, std::less<>> legacy_;
   std::vector<std::string> languages_{"en"};
   bool naturalScrolling_ = true;
+  bool reduceMotion_ = false;
 };
 
 /// A login item in memory; SimulatedFaults::loginItemFailure makes changing it fail.

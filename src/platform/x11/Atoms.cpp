@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/x11/Channel.h"
@@ -32,13 +33,17 @@ Atoms Atoms::intern(Channel& channel, int screenNumber) {
   std::vector<xcb_intern_atom_cookie_t> cookies;
   cookies.reserve(entries.size());
   for (const auto& entry : entries) cookies.push_back(send(entry.name));
-  const auto layout = send(fmt::format("_NET_DESKTOP_LAYOUT_S{}", screenNumber));
+  const std::array selections{
+      std::pair{&Atoms::netDesktopLayoutSelection, send(fmt::format("_NET_DESKTOP_LAYOUT_S{}", screenNumber))},
+      std::pair{&Atoms::xsettingsSelection, send(fmt::format("_XSETTINGS_S{}", screenNumber))}};
 
   Atoms atoms;
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (const auto reply = channel.await<xcb_intern_atom_reply>(cookies[i])) atoms.*entries[i].member = reply->atom;
   }
-  if (const auto reply = channel.await<xcb_intern_atom_reply>(layout)) atoms.netDesktopLayoutSelection = reply->atom;
+  for (const auto& [member, cookie] : selections) {
+    if (const auto reply = channel.await<xcb_intern_atom_reply>(cookie)) atoms.*member = reply->atom;
+  }
   return atoms;
 }
 

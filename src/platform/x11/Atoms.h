@@ -52,6 +52,7 @@ class Channel;
   X(typeNotification, "_NET_WM_WINDOW_TYPE_NOTIFICATION")    \
   X(typeCombo, "_NET_WM_WINDOW_TYPE_COMBO")                  \
   X(typeDnd, "_NET_WM_WINDOW_TYPE_DND")                      \
+  X(xsettingsSettings, "_XSETTINGS_SETTINGS")                \
   X(i3SocketPath, "I3_SOCKET_PATH")                          \
   X(i3Pid, "I3_PID")
 
@@ -61,6 +62,8 @@ struct Atoms {
 #undef TESSASPACES_ATOM_MEMBER
   /// "_NET_DESKTOP_LAYOUT_S" and the screen's number.
   xcb_atom_t netDesktopLayoutSelection = XCB_ATOM_NONE;
+  /// "_XSETTINGS_S" and the screen's number.
+  xcb_atom_t xsettingsSelection = XCB_ATOM_NONE;
 
   /// Interns all of them in one round trip.
   static Atoms intern(Channel& channel, int screenNumber);

@@ -5,6 +5,7 @@
 
 #include "platform/x11/PointerDevices.h"
 #include "platform/x11/Text.h"
+#include "platform/x11/XSettings.h"
 
 namespace tessaspaces {
 namespace {
@@ -33,6 +34,10 @@ std::vector<std::string> X11Preferences::preferredLanguages() {
 
 bool X11Preferences::naturalScrolling() {
   return scrollsNaturally(connection_);
+}
+
+bool X11Preferences::reduceMotion() {
+  return XSettings::read(connection_).number("Gtk/EnableAnimations") == 0;
 }
 
 std::vector<std::string> languagesFrom(const std::function<std::optional<std::string>(const char*)>& variable) {

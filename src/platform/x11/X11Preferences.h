@@ -12,7 +12,7 @@
 namespace tessaspaces {
 
 /// There is no preferences database to import from; languages come from the environment, the direction of scrolling
-/// from the input devices.
+/// from the input devices, the wish for no animations from the settings that desktop environments tell all programs.
 class X11Preferences : public Preferences {
  public:
   explicit X11Preferences(Connection& connection) : connection_(connection) {}
@@ -20,6 +20,7 @@ class X11Preferences : public Preferences {
   std::optional<PreferenceValue> legacyValue(std::string_view key) override;
   std::vector<std::string> preferredLanguages() override;
   bool naturalScrolling() override;
+  bool reduceMotion() override;
 
  private:
   Connection& connection_;

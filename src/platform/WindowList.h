@@ -27,6 +27,8 @@ struct WindowInfo {
   std::optional<WindowID> number;
   std::optional<std::string> name;
   std::optional<WindowBounds> bounds;
+  /// It covers its display in full screen, while its desktop is shown.
+  std::optional<bool> fullScreen;
 };
 
 enum class WindowListOption {

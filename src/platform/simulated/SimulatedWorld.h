@@ -56,6 +56,7 @@ struct WindowSetup {
   int layer = 0;
   bool sticky = false;
   bool desktopElement = false;
+  bool fullScreen = false;
 };
 
 /// What the outside sees happen; announced by the platform's signals.

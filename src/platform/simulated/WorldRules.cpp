@@ -145,8 +145,12 @@ WindowID addWindow(WorldState& state, WindowSetup setup) {
   window.desktopElement = setup.desktopElement;
   const auto space = setup.space != 0 || state.displays.empty() ? setup.space : state.displays.front().current;
   if (space != 0) window.spaces = {space};
-  window.reported = {setup.layer, setup.pid, window.id, std::move(setup.title),
-                     WindowBounds{setup.bounds.x, setup.bounds.y, setup.bounds.width, setup.bounds.height}};
+  window.reported = {setup.layer,
+                     setup.pid,
+                     window.id,
+                     std::move(setup.title),
+                     WindowBounds{setup.bounds.x, setup.bounds.y, setup.bounds.width, setup.bounds.height},
+                     setup.fullScreen};
   state.windows.insert(state.windows.begin(), std::move(window));
   return state.windows.front().id;
 }

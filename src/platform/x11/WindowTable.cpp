@@ -92,6 +92,7 @@ std::optional<WindowRecord> receive(Connection& connection, xcb_window_t window,
     const auto states = await(cookies.state);
     record.hidden = contains(items(states), atoms.netWmStateHidden);
     record.sticky = contains(items(states), atoms.netWmStateSticky);
+    record.fullScreen = contains(items(states), atoms.netWmStateFullscreen);
     const auto extents = await(cookies.extents);
     record.title = text(await(cookies.name));
     record.pid = receiveOwner(connection, window, cookies.owner);

@@ -27,6 +27,7 @@ struct WindowRecord {
   bool hidden = false;
   /// Has the state that keeps it on every desktop of some window managers, wherever it is sent.
   bool sticky = false;
+  bool fullScreen = false;
   /// As `receiveOwner` gives it.
   std::optional<std::int32_t> pid;
   std::optional<std::string> title;

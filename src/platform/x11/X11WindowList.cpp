@@ -21,6 +21,7 @@ WindowInfo described(const WindowRecord& record) {
   info.number = record.window;
   info.name = record.title;
   info.bounds = record.bounds;
+  info.fullScreen = record.fullScreen;
   return info;
 }
 

@@ -36,6 +36,9 @@ class HotKeyRegistrar {
   /// Takes the combo for this program alone.
   virtual HotKeyRegistration registerHotKey(KeyCombo combo, HotKeyID id) = 0;
   virtual void unregisterHotKey(HotKeyHandle handle) = 0;
+  /// A hot key that is still held down may hold the whole keyboard with it: gives that up, so that the program can take
+  /// the keyboard by other means at once. On X11 a round trip. Main thread.
+  virtual void letGoOfKeyboard() {}
 
   /// Registered combos stopped working, as after a change of the keyboard: registering everything anew tells
   /// which. Main thread.

@@ -43,6 +43,14 @@ void X11HotKeys::unregisterHotKey(HotKeyHandle handle) {
   registered_.erase(found);
 }
 
+void X11HotKeys::letGoOfKeyboard() {
+  auto& channel = connection_.events();
+  channel.send<xcb_ungrab_keyboard>(xcb_timestamp_t{XCB_CURRENT_TIME});
+  // Another connection's request may overtake this one unless it is known to be carried out.
+  channel.await<xcb_get_input_focus_reply>(channel.send<xcb_get_input_focus>());
+  pump_.drainLater();
+}
+
 void X11HotKeys::handle(const xcb_generic_event_t& event) {
   switch (eventType(event)) {
     case XCB_KEY_PRESS: pressed(eventAs<xcb_key_press_event_t>(event)); break;

@@ -23,6 +23,7 @@ class X11HotKeys : public HotKeyRegistrar, public EventListener {
   /// One round trip.
   HotKeyRegistration registerHotKey(KeyCombo combo, HotKeyID id) override;
   void unregisterHotKey(HotKeyHandle handle) override;
+  void letGoOfKeyboard() override;
 
   void handle(const xcb_generic_event_t& event) override;
   void eventsDrained() override;

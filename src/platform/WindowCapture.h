@@ -60,6 +60,18 @@ struct ImageSize {
 /// least 1, never larger than `size`. A side of 0 sets no limit.
 [[nodiscard]] ImageSize fitted(ImageSize size, int longestSide);
 
+/// How large previews are made: best about as large as they are going to be drawn, since a hundred of them shall
+/// neither take much memory nor be scaled when there is no time for it.
+struct PreviewLimits {
+  /// Of the window's own size; above 0, at most 1.
+  double scale = 1;
+  /// Pixels on the longer side; at least 1.
+  int longestSide = 480;
+  friend bool operator==(const PreviewLimits&, const PreviewLimits&) = default;
+};
+/// The same within both limits. Limits that make no sense are taken for the nearest that do.
+[[nodiscard]] ImageSize fitted(ImageSize size, const PreviewLimits& limits);
+
 /// Pictures of windows, of what lies behind them and of whole displays. Images are in device pixels, smaller than the
 /// original at most. Main thread, with its signals. Before `begin` nothing is asked of the system, and every picture is
 /// null and every wallpaper unknown.
@@ -73,10 +85,10 @@ class WindowCapture {
   virtual bool begin() = 0;
   /// Forgets all previews and gives everything back that the system held for them. `begin` may follow.
   virtual void stop() = 0;
-  /// Pixels on the longer side of previews made from now on, at least 1; `defaultLongestSide` unless set. Windows on
-  /// screen get a new preview in this size, hidden ones keep theirs.
-  virtual void setLongestSide(int pixels) = 0;
-  static constexpr int defaultLongestSide = 480;
+  /// Of previews made from now on; a default PreviewLimits unless set. Windows on screen get a new preview in this
+  /// size, hidden ones keep theirs.
+  virtual void setLimits(const PreviewLimits& limits) = 0;
+  void setLongestSide(int pixels) { setLimits({1, pixels}); }
 
   /// The newest preview at hand, without asking the system: of a window on screen it may be out of date. It shows what
   /// WindowInfo::bounds encloses, decorations included (under i3, which tells nobody of its title bars, also these).

@@ -95,7 +95,7 @@ TEST_P(CaptureContract, PreviewsShowTheWholeWindowInTheWantedSize) {
   driver->settle();
   const auto bounds = info(window)->bounds.value();
   const double aspect = *bounds.width / *bounds.height;
-  for (const int side : {100, 37, 2000, WindowCapture::defaultLongestSide}) {
+  for (const int side : {100, 37, 2000, PreviewLimits().longestSide}) {
     capture().setLongestSide(side);
     const auto image = fresh(window);
     ASSERT_THAT(image, NotNull());
@@ -108,6 +108,31 @@ TEST_P(CaptureContract, PreviewsShowTheWholeWindowInTheWantedSize) {
     EXPECT_EQ(quartersOf(image), colorful) << side;
     EXPECT_TRUE(
         std::all_of(image->pixels.begin(), image->pixels.end(), [](auto pixel) { return pixel >> 24U == 255; }));
+  }
+}
+
+TEST_P(CaptureContract, PreviewsAreAPartOfTheWindowsSizeButNotAboveTheLimit) {
+  beginCapture();
+  const auto window = openDrawn(colorful);
+  EXPECT_TRUE(looksLike(window, colorful));
+  driver->settle();
+  capture().setLimits({1, 100'000});
+  const auto whole = fresh(window);
+  ASSERT_THAT(whole, NotNull());
+  const double longest = std::max(whole->width, whole->height);
+  for (const double scale : {0.5, 0.13, 1.0}) {
+    capture().setLimits({scale, 300});
+    const auto image = fresh(window);
+    ASSERT_THAT(image, NotNull());
+    EXPECT_NEAR(std::max(image->width, image->height), std::min(longest * scale, 300.0), 1) << scale;
+    EXPECT_EQ(quartersOf(image), colorful) << scale;
+    EXPECT_EQ(fresh(window), image) << "the same limits again change nothing";
+    capture().setLimits({scale, 300});
+    EXPECT_EQ(fresh(window), image);
+  }
+  for (const auto& nonsense : {PreviewLimits{0, 0}, PreviewLimits{-1, -5}, PreviewLimits{std::nan(""), 50}}) {
+    capture().setLimits(nonsense);
+    EXPECT_THAT(fresh(window), NotNull());
   }
 }
 

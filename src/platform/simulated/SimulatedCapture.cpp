@@ -10,9 +10,11 @@ namespace {
 
 constexpr int titleBarHeight = 22;
 
-ImageRef scaled(const ImageRef& image, int longestSide) {
+/// `Limit` is what `fitted` takes.
+template <class Limit>
+ImageRef scaled(const ImageRef& image, const Limit& limit) {
   if (!image) return nullptr;
-  const auto size = fitted({image->width, image->height}, longestSide);
+  const auto size = fitted({image->width, image->height}, limit);
   if (size == ImageSize{image->width, image->height}) return image;
   auto result = std::make_shared<Image>(Image{size.width, size.height, {}});
   for (int y = 0; y < size.height; ++y) {
@@ -26,11 +28,12 @@ ImageRef scaled(const ImageRef& image, int longestSide) {
   return result;
 }
 
-ImageRef madeUp(const SimulatedWindow& window, int longestSide) {
+template <class Limit>
+ImageRef madeUp(const SimulatedWindow& window, const Limit& limit) {
   const auto bounds = window.reported.bounds.value_or(WindowBounds{});
   const auto side = [](std::optional<double> length) { return std::max(1, static_cast<int>(length.value_or(1))); };
   const ImageSize full{side(bounds.width), side(bounds.height)};
-  const auto size = fitted(full, longestSide);
+  const auto size = fitted(full, limit);
   // Neighbouring numbers get colours far from one another.
   const std::uint32_t body = 0xFF404040 | ((window.id * 0x9E3779B1U >> 8U) & 0xBFBFBFU);
   constexpr std::uint32_t darken = 0x7F7F7F;
@@ -58,8 +61,8 @@ void SimulatedCapture::stop() {
   news_.clear();
 }
 
-void SimulatedCapture::setLongestSide(int pixels) {
-  longestSide_ = std::max(1, pixels);
+void SimulatedCapture::setLimits(const PreviewLimits& limits) {
+  if (std::exchange(limits_, limits) == limits) return;
   for (auto& [id, window] : windows_) {
     if (!window.visible) continue;
     window.stale = true;
@@ -94,7 +97,7 @@ void SimulatedCapture::notice() {
 void SimulatedCapture::capture(WindowID id, Window& window) {
   if (!std::exchange(window.stale, false)) return;
   const auto state = world_.state();
-  window.picture = window.shown ? scaled(window.shown, longestSide_) : madeUp(*state->window(id), longestSide_);
+  window.picture = window.shown ? scaled(window.shown, limits_) : madeUp(*state->window(id), limits_);
 }
 
 void SimulatedCapture::announce(WindowID window) {

@@ -20,7 +20,7 @@ class SimulatedCapture final : public WindowCapture {
 
   bool begin() override;
   void stop() override;
-  void setLongestSide(int pixels) override;
+  void setLimits(const PreviewLimits& limits) override;
   ImageRef preview(WindowID window) override;
   std::vector<ImageRef> previews(std::span<const WindowID> windows) override;
   Wallpaper wallpaper(std::string_view display, SpaceID space, int longestSide) override;
@@ -48,7 +48,7 @@ class SimulatedCapture final : public WindowCapture {
   SimulatedWorld& world_;
   Dispatch& dispatch_;
   bool begun_ = false;
-  int longestSide_ = defaultLongestSide;
+  PreviewLimits limits_;
   std::map<WindowID, Window> windows_;  // those that were on screen since `begin`
   std::map<WindowID, ImageRef> drawn_;
   std::set<WindowID> news_;

@@ -84,8 +84,8 @@ void X11Capture::stop() {
   returnFreeMemory();
 }
 
-void X11Capture::setLongestSide(int pixels) {
-  if (std::exchange(longestSide_, std::max(1, pixels)) == longestSide_ || !session_) return;
+void X11Capture::setLimits(const PreviewLimits& limits) {
+  if (std::exchange(limits_, limits) == limits || !session_) return;
   session_->windows.outdatePictures();
   act();
 }
@@ -224,7 +224,7 @@ void X11Capture::addPicture(CapturedWindow& window) {
   source.area = {0, 0, window.contentSize.width, window.contentSize.height};
   // Without a compositor translucent windows look opaque on the screen, whatever alpha they hold.
   source.opaque = !session.windows.hasCompositor();
-  session.batch->add(source, fitted(window.contentSize, longestSide_));
+  session.batch->add(source, fitted(window.contentSize, limits_));
   session.batchWindows.push_back(window.client);
 }
 

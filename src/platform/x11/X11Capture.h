@@ -29,7 +29,7 @@ class X11Capture : public WindowCapture {
 
   bool begin() override;
   void stop() override;
-  void setLongestSide(int pixels) override;
+  void setLimits(const PreviewLimits& limits) override;
   ImageRef preview(WindowID window) override;
   std::vector<ImageRef> previews(std::span<const WindowID> windows) override;
   Wallpaper wallpaper(std::string_view display, SpaceID space, int longestSide) override;
@@ -67,7 +67,7 @@ class X11Capture : public WindowCapture {
   Reader& reader_;
   X11Screens& screens_;
   Dispatch& dispatch_;
-  int longestSide_ = defaultLongestSide;
+  PreviewLimits limits_;
   std::shared_ptr<Session> session_;  // from `begin` to `stop`
 };
 

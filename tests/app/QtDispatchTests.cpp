@@ -25,15 +25,19 @@ class QtDriver final : public WorldDriver {
   void draw(WindowID, const Quarters&) override { unused(); }
   void resize(WindowID, int, int) override { unused(); }
   void makeSticky(WindowID) override { unused(); }
+  void setFullScreen(WindowID, bool) override { unused(); }
   void focus(WindowID) override { unused(); }
   void showDesktop(int) override { unused(); }
   void setDesktopCount(int) override { unused(); }
   void movePointer(int, int) override { unused(); }
   void pressKey(KeyCombo) override { unused(); }
+  void holdKey(KeyCombo) override { unused(); }
+  void letKeyGo(KeyCombo) override { unused(); }
   void takeKey(KeyCombo) override { unused(); }
   void giveKeyBack(KeyCombo) override { unused(); }
   void setMonitors(const std::vector<Monitor>&) override { unused(); }
   void setLanguages(const std::vector<std::string>&) override { unused(); }
+  void setAnimations(bool) override { unused(); }
   void stopWindowManager() override { unused(); }
   [[nodiscard]] bool fixedDesktops() const override { unused(); }
   [[nodiscard]] bool sharedDesktops() const override { unused(); }

@@ -29,6 +29,15 @@ TEST_P(Contract, LanguagesComeMostWantedFirst) {
   EXPECT_THAT(platform().preferences().preferredLanguages(), ElementsAre("de-AT", "pt-BR", "en"));
 }
 
+TEST_P(Contract, WhoWantsNoAnimationsSaysSo) {
+  start();
+  EXPECT_FALSE(platform().preferences().reduceMotion()) << "nobody said anything";
+  for (const bool wanted : {false, true, false}) {
+    driver->setAnimations(wanted);
+    EXPECT_EQ(platform().preferences().reduceMotion(), !wanted);
+  }
+}
+
 TEST_P(Contract, LaunchAtLoginIsTurnedOnAndOff) {
   start();
   auto& item = platform().loginItem();

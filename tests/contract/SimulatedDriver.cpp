@@ -39,6 +39,9 @@ class SimulatedDriver final : public WorldDriver {
   void makeSticky(WindowID window) override {
     world().edit([&](WorldState& state) { state.window(window)->sticky = true; });
   }
+  void setFullScreen(WindowID window, bool full) override {
+    world().edit([&](WorldState& state) { state.window(window)->reported.fullScreen = full; });
+  }
   void draw(WindowID window, const Quarters& colors) override {
     drawn_[window] = colors;
     const auto bounds = world().state()->window(window)->reported.bounds.value();
@@ -69,6 +72,8 @@ class SimulatedDriver final : public WorldDriver {
     world().setPointer({double(x), height - y - 1});
   }
   void pressKey(KeyCombo combo) override { platform_.pressKey(combo); }
+  void holdKey(KeyCombo combo) override { platform_.pressKey(combo); }
+  void letKeyGo(KeyCombo /*combo*/) override {}
   void takeKey(KeyCombo combo) override { platform_.takeKey(combo); }
   void giveKeyBack(KeyCombo combo) override { platform_.releaseKey(combo); }
 
@@ -96,6 +101,7 @@ class SimulatedDriver final : public WorldDriver {
     }
   }
   void setLanguages(const std::vector<std::string>& tags) override { platform_.setPreferredLanguages(tags); }
+  void setAnimations(bool wanted) override { platform_.setReduceMotion(!wanted); }
   void stopWindowManager() override { world().setWindowManager(std::nullopt); }
 
   [[nodiscard]] bool fixedDesktops() const override { return false; }

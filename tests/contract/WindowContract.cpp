@@ -113,6 +113,21 @@ TEST_P(Contract, AStickyWindowIsOnEverySpace) {
   EXPECT_TRUE(driver->until([&] { return current() == all[3] && isOnScreen(window); }));
 }
 
+TEST_P(Contract, AFullScreenWindowIsListedAsOne) {
+  start();
+  const auto window = driver->open(titled("film"));
+  const auto other = driver->open(titled("other"));
+  EXPECT_EQ(info(window)->fullScreen, false);
+  driver->setFullScreen(window, true);
+  EXPECT_EQ(info(window)->fullScreen, true);
+  EXPECT_EQ(info(other)->fullScreen, false);
+  driver->showDesktop(1);
+  EXPECT_EQ(info(window)->fullScreen, true) << "also while nobody sees it";
+  driver->showDesktop(0);
+  driver->setFullScreen(window, false);
+  EXPECT_EQ(info(window)->fullScreen, false);
+}
+
 TEST_P(Contract, OwnWindowsAreListedUnderOurPid) {
   start();
   const auto own = driver->open(titled("ours", 0, platform().processID()));

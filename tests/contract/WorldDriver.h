@@ -55,6 +55,8 @@ class WorldDriver {
   virtual WindowID open(const ClientWindow& window) = 0;
   virtual void close(WindowID window) = 0;
   virtual void makeSticky(WindowID window) = 0;
+  /// It covers its display, or does so no more.
+  virtual void setFullScreen(WindowID window, bool full) = 0;
   /// The window looks like this from now on, whenever it is on screen.
   virtual void draw(WindowID window, const Quarters& colors) = 0;
   /// Another size for its inside, where windows do not tile. What it looks like is drawn anew.
@@ -68,12 +70,17 @@ class WorldDriver {
   /// Origin at the top left.
   virtual void movePointer(int x, int y) = 0;
   virtual void pressKey(KeyCombo combo) = 0;
+  /// The same in two halves.
+  virtual void holdKey(KeyCombo combo) = 0;
+  virtual void letKeyGo(KeyCombo combo) = 0;
   /// Another program takes the key for itself, or gives it back.
   virtual void takeKey(KeyCombo combo) = 0;
   virtual void giveKeyBack(KeyCombo combo) = 0;
   /// Plugs and unplugs monitors so that these are there; the first is the primary one.
   virtual void setMonitors(const std::vector<Monitor>& monitors) = 0;
   virtual void setLanguages(const std::vector<std::string>& tags) = 0;
+  /// The user wants animations, or none.
+  virtual void setAnimations(bool wanted) = 0;
   virtual void stopWindowManager() = 0;
 
   // What this world is like.

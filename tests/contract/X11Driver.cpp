@@ -84,6 +84,37 @@ class EnvironmentChange {
   std::map<std::string, std::optional<std::string>> before_;
 };
 
+/// A settings program that knows one number.
+class SettingsProgram {
+ public:
+  explicit SettingsProgram(const harness::XServer& server) : x_(server.display()) {}
+
+  void set(const std::string& name, std::uint32_t value) {
+    if (window_ == XCB_NONE) {
+      window_ = xcb_generate_id(x_.get());
+      xcb_create_window(x_.get(), 0, window_, x_.root(), -5, -5, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
+      xcb_set_selection_owner(x_.get(), window_, x_.atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
+    }
+    const auto four = [](std::uint32_t number) {
+      std::string bytes;
+      for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift);
+      return bytes;
+    };
+    const auto size = static_cast<std::uint32_t>(name.size());
+    constexpr std::uint32_t mostSignificantFirst = 1U << 24U;
+    ++serial_;
+    x_.setText(window_, "_XSETTINGS_SETTINGS", "_XSETTINGS_SETTINGS",
+               four(mostSignificantFirst) + four(serial_) + four(1) + four(size) + name +
+                   std::string((4 - size % 4) % 4, '\0') + four(serial_) + four(value));
+    x_.roundTrip();
+  }
+
+ private:
+  harness::XConnection x_;
+  xcb_window_t window_ = XCB_NONE;
+  std::uint32_t serial_ = 0;
+};
+
 class X11Driver final : public WorldDriver {
  public:
   X11Driver(const Setting& setting, const std::vector<Monitor>& monitors)
@@ -93,7 +124,8 @@ class X11Driver final : public WorldDriver {
         probe_(server_),
         keyboard_(server_),
         pointer_(server_),
-        holder_(server_) {
+        holder_(server_),
+        settings_(server_) {
     // What this process is told of the server is what any program started there is told.
     for (const auto& [name, value] : server_.environment()) environment_.set(name, value);
     for (const auto* name : {"WAYLAND_DISPLAY", "XDG_CONFIG_HOME"}) environment_.set(name, std::nullopt);
@@ -142,6 +174,17 @@ class X11Driver final : public WorldDriver {
     probe_.moveTo(window, -1);
     require(probe_.waitFor([&] { return probe_.desktopOf(window) == -1; }), "a window does not become sticky");
   }
+  void setFullScreen(WindowID window, bool full) override {
+    const auto& x = probe_.connection();
+    const auto state = x.atom("_NET_WM_STATE_FULLSCREEN");
+    x.sendToRoot(window, "_NET_WM_STATE", {full ? 1U : 0U, state, 0, 2});
+    static_cast<void>(probe_.viewable(window));  // from now on the probe hears of its changes
+    const auto took = probe_.waitFor([&] {
+      const auto states = x.numbers(window, "_NET_WM_STATE");
+      return (std::find(states.begin(), states.end(), state) != states.end()) == full;
+    });
+    require(took, "a window does not become full-screen, or stays so");
+  }
   void draw(WindowID window, const Quarters& colors) override {
     drawn_[window] = colors;
     clients_.draw(window, colors);
@@ -164,6 +207,8 @@ class X11Driver final : public WorldDriver {
   }
   void movePointer(int x, int y) override { pointer_.moveTo(x, y); }
   void pressKey(KeyCombo combo) override { keyboard_.press(combo); }
+  void holdKey(KeyCombo combo) override { keyboard_.keyDown(combo); }
+  void letKeyGo(KeyCombo combo) override { keyboard_.keyUp(combo); }
   void takeKey(KeyCombo combo) override { require(holder_.hold(combo), "somebody else has the key"); }
   void giveKeyBack(KeyCombo combo) override { holder_.letGo(combo); }
   void setMonitors(const std::vector<Monitor>& monitors) override { server_.setMonitors(layoutOf(monitors)); }
@@ -176,6 +221,7 @@ class X11Driver final : public WorldDriver {
     environment_.set("LANGUAGE", list);
     environment_.set("LC_ALL", list.substr(0, list.find(':')) + ".UTF-8");
   }
+  void setAnimations(bool wanted) override { settings_.set("Gtk/EnableAnimations", wanted); }
   void stopWindowManager() override { manager_.stop(); }
 
   [[nodiscard]] bool fixedDesktops() const override { return !manager_.countCanChange(); }
@@ -200,6 +246,7 @@ class X11Driver final : public WorldDriver {
   harness::Keyboard keyboard_;
   harness::Pointer pointer_;
   harness::KeyHolder holder_;
+  SettingsProgram settings_;
   std::map<WindowID, Quarters> drawn_;
   RunLoop* loop_ = nullptr;
   std::unique_ptr<X11Platform> platform_;

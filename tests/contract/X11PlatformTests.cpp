@@ -95,6 +95,34 @@ TEST_P(X11Contract, EachPressOfABurstCountsWhereThePointerWas) {
   EXPECT_EQ(platform().screens().pointer().x, 400) << "nothing of them lasts";
 }
 
+TEST_P(X11Contract, TheKeyboardCanBeTakenWhileAHotKeyIsHeldDown) {
+  start();
+  const XcbConnectionRef other(xcb_connect(nullptr, nullptr));
+  const auto root = xcb_setup_roots_iterator(xcb_get_setup(other.get())).data->root;
+  const auto take = [&] {
+    const Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+        other.get(),
+        xcb_grab_keyboard(other.get(), 1, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC), nullptr));
+    return reply ? reply->status : -1;
+  };
+  constexpr KeyCombo combo{124, KeyCombo::control | KeyCombo::option};
+  int presses = 0;
+  auto& keys = platform().hotKeys();
+  keys.setPressHandler([&](HotKeyID) {
+    if (++presses > 1) return;  // the keyboard repeats it
+    EXPECT_EQ(take(), XCB_GRAB_STATUS_ALREADY_GRABBED) << "or this shows nothing";
+    keys.letGoOfKeyboard();
+    EXPECT_EQ(take(), XCB_GRAB_STATUS_SUCCESS);
+  });
+  ASSERT_TRUE(keys.registerHotKey(combo, {1, 1}).handle.has_value());
+  driver->holdKey(combo);
+  EXPECT_TRUE(driver->until([&] { return presses > 0; }));
+  xcb_ungrab_keyboard(other.get(), XCB_CURRENT_TIME);
+  xcb_flush(other.get());
+  driver->letKeyGo(combo);
+  keys.letGoOfKeyboard();  // when nothing is held it does no harm
+}
+
 TEST_P(X11Contract, AReadingWaitsForTheServerAFewTimesHoweverManyWindowsThereAre) {
   start();
   for (int i = 0; i < 24; ++i) driver->open({.title = std::to_string(i), .desktop = i % desktopsPerDisplay});

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "grid/TileBackgrounds.h"
+#include "ui/wallpapers/BackgroundCache.h"
+#include "ui/wallpapers/RenderedBackgrounds.h"
+
+namespace tessaspaces {
+
+/// The wallpaper where the system tells of one. Elsewhere what was seen of the desktop between its windows, which is
+/// kept from one run to the next; and while nothing was seen, a colour by the desktop's number. Nothing is read or
+/// scaled on the main thread, and images come in exactly the size that was asked for. Asks the platform that is set
+/// when it is made, from the next turn of the event loop on.
+class DesktopBackgrounds final : public TileBackgrounds {
+ public:
+  explicit DesktopBackgrounds(std::filesystem::path cacheFolder = BackgroundCache::standardFolder());
+  ~DesktopBackgrounds() override;
+
+  TileBackground background(const std::string& displayUUID, SpaceID space, ImageSize pixels) override;
+  void refresh() override;
+  /// Waits for a picture of the screen, but not more than once in `learnPause` for each desktop, and only where the
+  /// wallpaper is not known. Once the desktop has rested for a moment: what has just been shown may not be drawn yet.
+  void learn(const std::string& displayUUID, SpaceID space) override;
+  static constexpr auto learnPause = std::chrono::seconds(30);
+
+ private:
+  using Key = std::pair<std::string, SpaceID>;  // display and space
+  struct Desktop {
+    bool looked = false;
+    Wallpaper wallpaper;
+    /// Its file cannot be shown.
+    bool broken = false;
+    /// Of its display's, from 0.
+    std::size_t number = 0;
+    /// Under which its learned picture is kept.
+    std::string cacheKey;
+    /// Pixels on the longer side that pictures of the whole display need to have; and had, when they were asked for.
+    int wantedSide = 0;
+    int lookedSide = 0;
+    /// What was last shown, until something else is ready.
+    std::optional<TileBackground> shown;
+    std::optional<TimePoint> learned;
+    unsigned used = 0;
+  };
+
+  void lookSoon();
+  void look();
+  void lookAtScreens();
+  void lookAtSpaces();
+  void lookAt(const Key& key, Desktop& desktop);
+  void wallpaperChanged();
+  void changeSoon();
+
+  [[nodiscard]] std::optional<TileBackground> ofWallpaper(const Key& key, Desktop& desktop, ImageSize pixels);
+  [[nodiscard]] std::optional<TileBackground> ofLearned(const Desktop& desktop, ImageSize pixels);
+  [[nodiscard]] WallpaperPlace placeOf(const std::string& displayUUID) const;
+  [[nodiscard]] int neededSide(const std::string& displayUUID, ImageSize pixels) const;
+
+  void takeCached(LearnedBackgrounds cached);
+  void keep(const std::string& key, LearnedBackground background);
+  void forgetLearned(const std::string& key);
+  void save(std::set<std::string> fresh);
+
+  Dispatch& dispatch_;
+  BackgroundCache cache_;
+  SerialWork work_;
+  RenderedBackgrounds rendered_;
+  std::map<Key, Desktop> desktops_;
+  std::map<std::string, WallpaperPlace> places_;
+  LearnedBackgrounds learned_;
+  std::uint64_t order_ = 0;
+  unsigned generation_ = 0;
+  bool lookPending_ = false;
+  bool changePending_ = false;
+  ScopedConnection wallpaperChanged_;
+  ScopedConnection screensChanged_;
+  std::shared_ptr<int> alive_ = std::make_shared<int>(0);  // queued work may outlive this
+};
+
+}  // namespace tessaspaces

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <list>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "settings/AtomicFile.h"
+#include "ui/wallpapers/SerialWork.h"
+#include "ui/wallpapers/WallpaperPainter.h"
+
+namespace tessaspaces {
+
+/// Where the picture of a background comes from: a wallpaper's file, or a picture at hand.
+struct BackgroundSource {
+  std::optional<WallpaperFile> file;
+  /// With a file alone.
+  WallpaperPlace place;
+  /// Without one. Counts by identity.
+  ImageRef picture;
+  friend bool operator==(const BackgroundSource&, const BackgroundSource&) = default;
+};
+
+/// Backgrounds in the sizes of the tiles that they are drawn on, made off the main thread. Tiles that show the same
+/// share one. Main thread.
+class RenderedBackgrounds {
+ public:
+  /// `changed` is called when something that was asked for is there.
+  RenderedBackgrounds(SerialWork& work, std::function<void()> changed) : work_(work), changed_(std::move(changed)) {}
+
+  /// At once: in this size, else in another one while this is being made; null while there is none. Valid until the
+  /// main thread does something else.
+  const PaintedBackground* find(const BackgroundSource& source, ImageSize pixels);
+  /// Makes those anew whose files have changed, and forgets those that nobody has asked for since the last call but
+  /// one.
+  void refresh();
+
+ private:
+  struct Entry {
+    BackgroundSource source;
+    ImageSize pixels;
+    std::optional<PaintedBackground> background;
+    std::optional<FileStamp> stamp;
+    unsigned used = 0;
+  };
+  struct Rendering {
+    PaintedBackground background;
+    std::optional<FileStamp> stamp;
+  };
+
+  void render(const Entry& entry);
+  void finished(const BackgroundSource& source, ImageSize pixels, const Rendering& rendering);
+  void compareStamps(const std::map<std::string, std::optional<FileStamp>>& stamps);
+  void complain(const std::string& path, const std::string& complaint);
+
+  SerialWork& work_;
+  std::function<void()> changed_;
+  std::list<Entry> entries_;
+  std::map<std::string, std::string> complaints_;  // the last one about each file
+  unsigned generation_ = 0;
+};
+
+}  // namespace tessaspaces

@@ -8,8 +8,8 @@
 
 namespace tessaspaces {
 
-/// A soft shadow (or glow) around rounded rectangles of any size: blurred once, drawn by copying pieces. All in device
-/// pixels.
+/// A soft shadow (or glow) around rounded rectangles of any size: blurred once, drawn by copying pieces. Nothing lies
+/// under the rectangle itself. All in device pixels.
 class ShadowPatch {
  public:
   struct Look {
@@ -23,7 +23,7 @@ class ShadowPatch {
   ShadowPatch() = default;
   explicit ShadowPatch(const Look& look);
 
-  /// Draws it around the rectangle. Most of what the rectangle covers is left out.
+  /// Draws it around the rectangle.
   void draw(QPainter& painter, const QRect& around) const;
   /// All that `draw` may touch.
   [[nodiscard]] QRect bounds(const QRect& around) const;

@@ -85,9 +85,9 @@ Small gradient(const Theme& theme) {
 
 /// Thresholds in an order in which no pattern is seen; without them a dark gradient shows bands.
 constexpr std::array<std::int16_t, 64> bayer = {0,  32, 8,  40, 2,  34, 10, 42, 48, 16, 56, 24, 50, 18, 58, 26,
-                                                 12, 44, 4,  36, 14, 46, 6,  38, 60, 28, 52, 20, 62, 30, 54, 22,
-                                                 3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27, 49, 17, 57, 25,
-                                                 15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
+                                                12, 44, 4,  36, 14, 46, 6,  38, 60, 28, 52, 20, 62, 30, 54, 22,
+                                                3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27, 49, 17, 57, 25,
+                                                15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
 
 /// Values have so many bits more than they are shown with.
 constexpr int fineBits = 6;
@@ -108,8 +108,8 @@ std::vector<std::int16_t> wideRow(const Small& small, int y, int width) {
 }
 
 /// Part of the way from one row to another, in 1/32768; with the noise that hides the steps.
-void mixRows(const std::int16_t* from, const std::int16_t* to, std::int16_t share, const std::int16_t* noise, uchar* out,
-             int values) {
+void mixRows(const std::int16_t* from, const std::int16_t* to, std::int16_t share, const std::int16_t* noise,
+             uchar* out, int values) {
   for (int i = 0; i < values; ++i) {
     const auto twice = static_cast<std::int16_t>(2 * (to[i] - from[i]));
     const auto part = static_cast<std::int16_t>((static_cast<std::int32_t>(twice) * share) >> 16);
@@ -133,7 +133,8 @@ QImage enlarged(const Small& small, QSize size) {
     const double at = (y + 0.5) * small.height / size.height() - 0.5;
     const int above = static_cast<int>(std::floor(at));
     const auto share = static_cast<std::int16_t>((at - above) * 32767);
-    mixRows(row(above), row(above + 1), share, noise[static_cast<std::size_t>(y % 8)].data(), image.scanLine(y), values);
+    mixRows(row(above), row(above + 1), share, noise[static_cast<std::size_t>(y % 8)].data(), image.scanLine(y),
+            values);
   }
   return image;
 }

@@ -34,6 +34,9 @@ ReadyPicture made(const PictureRequest& request) {
   const QImage whole = wrapped(request.image);
   const QRect part = request.part & whole.rect();
   if (whole.isNull() || part.isEmpty() || request.size.isEmpty()) return {};
+  if (request.size == whole.size() && part == whole.rect() && request.corner == 0 && request.line == 0) {
+    return {whole, isOpaque(whole) ? 0 : -1};
+  }
   QImage scaled = scaledPicture(view(whole, part, QImage::Format_ARGB32_Premultiplied), request.size);
   const bool opaque = isOpaque(scaled);
   const int corner = std::min({request.corner, scaled.width() / 2, scaled.height() / 2});

@@ -1,8 +1,10 @@
 #include "ui/PictureScaling.h"
 
+#include <QPainter>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace tessaspaces {
@@ -47,30 +49,38 @@ Spans spansFor(int from, int to) {
   return result;
 }
 
-/// The rows of a span as one, in 16 bits a value.
+/// The rows of a span as one, 16 bits a value.
 void addRows(const QImage& picture, const Span& span, const std::uint16_t* weights, std::uint16_t* out, int values) {
   for (int j = 0; j < span.count; ++j) {
     const std::uint16_t weight = weights[j];
     const uchar* row = picture.constScanLine(span.first + j);
     if (j == 0) {
-      for (int i = 0; i < values; ++i) out[i] = static_cast<std::uint16_t>(row[i] * weight);
+      for (int i = 0; i < values; ++i) out[i] = static_cast<std::uint16_t>(row[i] * weight + whole / 2);
     } else {
       for (int i = 0; i < values; ++i) out[i] = static_cast<std::uint16_t>(out[i] + row[i] * weight);
     }
   }
+  for (int i = 0; i < values; ++i) out[i] /= whole;
 }
 
+/// The four values of a pixel lie in one number, and a weighted sum of them never carries from one into the next.
 void addColumns(const std::uint16_t* row, const Spans& across, uchar* out) {
   for (const auto& span : across.spans) {
-    std::uint32_t sum[4] = {};
     const std::uint16_t* from = row + 4 * static_cast<std::ptrdiff_t>(span.first);
     const std::uint16_t* weights = across.weights.data() + span.weights;
+    std::uint64_t sum = 0x0080'0080'0080'0080U;
     for (int j = 0; j < span.count; ++j) {
-      for (int value = 0; value < 4; ++value) sum[value] += static_cast<std::uint32_t>(from[4 * j + value]) * weights[j];
+      std::uint64_t pixel = 0;
+      std::memcpy(&pixel, from + 4 * static_cast<std::ptrdiff_t>(j), sizeof pixel);
+      sum += pixel * weights[j];
     }
-    // A value is 255 * 256 * 256 at most: rounded it still fits.
-    for (int value = 0; value < 4; ++value) out[value] = static_cast<uchar>((sum[value] + 0x7FFF) >> 16U);
-    out += 4;
+    sum = sum >> 8U & 0x00FF'00FF'00FF'00FFU;
+    sum |= sum >> 8U;
+    sum &= 0x0000'FFFF'0000'FFFFU;
+    sum |= sum >> 16U;
+    const auto pixel = static_cast<std::uint32_t>(sum);
+    std::memcpy(out, &pixel, sizeof pixel);
+    out += sizeof pixel;
   }
 }
 
@@ -80,9 +90,12 @@ QImage scaledPicture(const QImage& picture, QSize size) {
   if (picture.size() == size) return picture.copy();
   if (picture.isNull() || size.isEmpty()) return {};
   if (size.width() > picture.width() || size.height() > picture.height()) {
-    // Qt does enlarging well.
-    QImage larger = picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    larger.convertTo(QImage::Format_ARGB32_Premultiplied);
+    // Nothing is gained by more than a straight line between two pixels.
+    QImage larger(size, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&larger);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(QPointF(), QSizeF(size)), picture, QRectF(picture.rect()));
     return larger;
   }
   const Spans across = spansFor(picture.width(), size.width());

@@ -48,8 +48,9 @@ std::vector<double> blurred(int side, int blur, int corner) {
 
 }  // namespace
 
-ShadowPatch::ShadowPatch(const Look& look) : look_(look), inner_(look.corner + look.blur) {
-  if (look.blur < 1) return;
+ShadowPatch::Pieces ShadowPatch::made() const {
+  const Look& look = look_;
+  Pieces pieces;
   const int piece = look.blur + inner_;
   const int side = 2 * piece + 1;
   const auto mask = blurred(side, look.blur, look.corner);
@@ -66,9 +67,10 @@ ShadowPatch::ShadowPatch(const Look& look) : look_(look), inner_(look.corner + l
     const double dy = std::max({piece - look.blur - down, down - far, 0.0});
     return std::clamp(look.corner - std::hypot(dx, dy) + 0.5, 0.0, 1.0);
   };
-  corners_ = QImage(2 * piece, 2 * piece, QImage::Format_ARGB32_Premultiplied);
+  QImage& corners = pieces.corners;
+  corners = QImage(2 * piece, 2 * piece, QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < 2 * piece; ++y) {
-    auto* row = reinterpret_cast<QRgb*>(corners_.scanLine(y));
+    auto* row = reinterpret_cast<QRgb*>(corners.scanLine(y));
     for (int x = 0; x < 2 * piece; ++x) {
       const int fromX = x < piece ? x : x + 1;
       const int fromY = y < piece ? y : y + 1;
@@ -82,7 +84,7 @@ ShadowPatch::ShadowPatch(const Look& look) : look_(look), inner_(look.corner + l
     const bool far = edge > 1;
     const int thick = thickness[edge];
     if (thick == 0) continue;
-    QImage& image = edges_[edge];
+    QImage& image = pieces.edges[edge];
     image = upright ? QImage(thick, pieceLength, QImage::Format_ARGB32_Premultiplied)
                     : QImage(pieceLength, thick, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
@@ -93,6 +95,7 @@ ShadowPatch::ShadowPatch(const Look& look) : look_(look), inner_(look.corner + l
       }
     }
   }
+  return pieces;
 }
 
 QRect ShadowPatch::bounds(const QRect& around) const {
@@ -101,6 +104,8 @@ QRect ShadowPatch::bounds(const QRect& around) const {
 
 void ShadowPatch::draw(QPainter& painter, const QRect& around) const {
   if (look_.blur < 1 || around.isEmpty()) return;
+  if (!pieces_) pieces_ = made();
+  const auto& [corners, edges] = *pieces_;
   const QRect outside = bounds(around);
   const int blur = look_.blur;
   const int right = outside.x() + outside.width();
@@ -110,15 +115,15 @@ void ShadowPatch::draw(QPainter& painter, const QRect& around) const {
   const int rightPart = std::min(inner_, around.width() / 2);
   const int topPart = std::min(inner_, (around.height() + 1) / 2);
   const int bottomPart = std::min(inner_, around.height() / 2);
-  const int end = corners_.width();
-  painter.drawImage(outside.topLeft(), corners_, QRect(0, 0, blur + leftPart, blur + topPart));
-  painter.drawImage(QPoint(right - blur - rightPart, outside.y()), corners_,
+  const int end = corners.width();
+  painter.drawImage(outside.topLeft(), corners, QRect(0, 0, blur + leftPart, blur + topPart));
+  painter.drawImage(QPoint(right - blur - rightPart, outside.y()), corners,
                     QRect(end - blur - rightPart, 0, blur + rightPart, blur + topPart));
-  painter.drawImage(QPoint(outside.x(), bottom - blur - bottomPart), corners_,
+  painter.drawImage(QPoint(outside.x(), bottom - blur - bottomPart), corners,
                     QRect(0, end - blur - bottomPart, blur + leftPart, blur + bottomPart));
-  painter.drawImage(QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners_,
+  painter.drawImage(QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners,
                     QRect(end - blur - rightPart, end - blur - bottomPart, blur + rightPart, blur + bottomPart));
-  const auto& [left, above, toRight, below] = edges_;
+  const auto& [left, above, toRight, below] = edges;
   for (int x = outside.x() + blur + leftPart; x < right - blur - rightPart; x += pieceLength) {
     const int length = std::min(pieceLength, right - blur - rightPart - x);
     painter.drawImage(QPoint(x, outside.y()), above, QRect(0, 0, length, above.height()));

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QRect>
 #include <array>
+#include <optional>
 
 namespace tessaspaces {
 
@@ -21,20 +22,25 @@ class ShadowPatch {
   };
 
   ShadowPatch() = default;
-  explicit ShadowPatch(const Look& look);
+  explicit ShadowPatch(const Look& look) : look_(look), inner_(look.corner + look.blur) {}
 
-  /// Draws it around the rectangle.
+  /// Draws it around the rectangle. Blurred when it is drawn first.
   void draw(QPainter& painter, const QRect& around) const;
   /// All that `draw` may touch.
   [[nodiscard]] QRect bounds(const QRect& around) const;
   [[nodiscard]] const Look& look() const { return look_; }
 
  private:
+  struct Pieces {
+    QImage corners;
+    /// Left, top, right, bottom.
+    std::array<QImage, 4> edges;
+  };
+  [[nodiscard]] Pieces made() const;
+
   Look look_;
   int inner_ = 0;  // so far into the rectangle the corners' rounding reaches
-  QImage corners_;
-  /// Left, top, right, bottom.
-  std::array<QImage, 4> edges_;
+  mutable std::optional<Pieces> pieces_;
 };
 
 }  // namespace tessaspaces

@@ -27,14 +27,15 @@ double milliseconds(const std::function<void()>& work) {
 
 void print(const std::string& what, std::vector<double> times) {
   std::sort(times.begin(), times.end());
-  fmt::print("  {:34} median {:6.2f} ms   least {:6.2f} ms   most {:6.2f} ms\n", what, times[times.size() / 2], times.front(), times.back());
+  fmt::print("  {:34} median {:6.2f} ms   least {:6.2f} ms   most {:6.2f} ms\n", what, times[times.size() / 2],
+             times.front(), times.back());
 }
 
 constexpr int rounds = 15;
 
 void timeScene(const std::string& name, const Kind& kind) {
-  fmt::print("{}: {} desktops, {} windows, {:.0f}x{:.0f} at {}x{}\n", name, kind.desktops, kind.windows, kind.bounds.width,
-             kind.bounds.height, kind.scale, kind.exploded ? ", exploded" : "");
+  fmt::print("{}: {} desktops, {} windows, {:.0f}x{:.0f} at {}x{}\n", name, kind.desktops, kind.windows,
+             kind.bounds.width, kind.bounds.height, kind.scale, kind.exploded ? ", exploded" : "");
   const PlatformFor platform(kind.bounds);
   const GridScene scene = makeScene(kind);
   const Theme theme = Theme::make(true, QColor(0x3D8BFD));

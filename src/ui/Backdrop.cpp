@@ -12,8 +12,8 @@ namespace tessaspaces {
 namespace {
 
 /// The wallpaper is blurred at this width: nothing finer would be left of it anyway.
-constexpr int smallWidth = 96;
-constexpr int blurRadius = 4;
+constexpr int smallWidth = 64;
+constexpr int blurRadius = 3;
 constexpr int blurPasses = 2;
 /// Blurring takes colours out; this puts some back.
 constexpr double saturation = 1.25;
@@ -84,52 +84,57 @@ Small gradient(const Theme& theme) {
 }
 
 /// Thresholds in an order in which no pattern is seen; without them a dark gradient shows bands.
-constexpr std::array<std::uint16_t, 64> bayer = {0,  32, 8,  40, 2,  34, 10, 42, 48, 16, 56, 24, 50, 18, 58, 26,
-                                                 12, 44, 4,  36, 14, 46, 6,  38, 60, 28, 52, 20, 62, 30, 54, 22,
-                                                 3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27, 49, 17, 57, 25,
-                                                 15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
+constexpr std::array<std::int16_t, 64> bayer = {0,  32, 8,  40, 2,  34, 10, 42, 48, 16, 56, 24, 50, 18, 58, 26,
+                                                12, 44, 4,  36, 14, 46, 6,  38, 60, 28, 52, 20, 62, 30, 54, 22,
+                                                3,  35, 11, 43, 1,  33, 9,  41, 51, 19, 59, 27, 49, 17, 57, 25,
+                                                15, 47, 7,  39, 13, 45, 5,  37, 63, 31, 55, 23, 61, 29, 53, 21};
 
-/// Row of the small picture in full width, four values a pixel as QRgb has them in memory, with 8 bits more.
-std::vector<std::uint16_t> wideRow(const Small& small, int y, int width) {
-  std::vector<std::uint16_t> row;
+/// Values have so many bits more than they are shown with.
+constexpr int fineBits = 6;
+
+/// Row of the small picture in full width, four values a pixel as QRgb has them in memory.
+std::vector<std::int16_t> wideRow(const Small& small, int y, int width) {
+  std::vector<std::int16_t> row;
   row.reserve(4 * static_cast<std::size_t>(width));
   for (int x = 0; x < width; ++x) {
     const double at = (x + 0.5) * small.width / width - 0.5;
     const int left = static_cast<int>(std::floor(at));
     const auto color = mix(small.at(left, y), small.at(left + 1, y), at - left);
     for (const auto value : {color[2], color[1], color[0], 255.0}) {
-      // The room above is for the dither.
-      row.push_back(static_cast<std::uint16_t>(std::clamp(value * 256, 0.0, 65535.0 - 255)));
+      row.push_back(static_cast<std::int16_t>(std::clamp(value, 0.0, 255.0) * (1 << fineBits)));
     }
   }
   return row;
 }
 
+/// Part of the way from one row to another, in 1/32768; with the noise that hides the steps.
+void mixRows(const std::int16_t* from, const std::int16_t* to, std::int16_t share, const std::int16_t* noise,
+             uchar* out, int values) {
+  for (int i = 0; i < values; ++i) {
+    const auto twice = static_cast<std::int16_t>(2 * (to[i] - from[i]));
+    const auto part = static_cast<std::int16_t>((static_cast<std::int32_t>(twice) * share) >> 16);
+    out[i] = static_cast<uchar>(static_cast<std::int16_t>(from[i] + part + noise[i]) >> fineBits);
+  }
+}
+
 QImage enlarged(const Small& small, QSize size) {
   QImage image(size, QImage::Format_RGB32);
-  const int width = size.width();
-  std::vector<std::vector<std::uint16_t>> rows;
-  for (int y = 0; y < small.height; ++y) rows.push_back(wideRow(small, y, width));
-  std::vector<std::uint16_t> dither(4 * static_cast<std::size_t>(width));
+  const int values = 4 * size.width();
+  std::vector<std::vector<std::int16_t>> rows;
+  for (int y = 0; y < small.height; ++y) rows.push_back(wideRow(small, y, size.width()));
+  std::array<std::vector<std::int16_t>, 8> noise;
+  for (std::size_t y = 0; y < noise.size(); ++y) {
+    for (int i = 0; i < values; ++i) noise[y].push_back(bayer[y * 8 + static_cast<std::size_t>(i / 4 % 8)]);
+  }
+  const auto row = [&](int index) {
+    return rows[static_cast<std::size_t>(std::clamp(index, 0, small.height - 1))].data();
+  };
   for (int y = 0; y < size.height(); ++y) {
-    for (std::size_t i = 0; i < dither.size(); ++i) {
-      dither[i] = static_cast<std::uint16_t>(bayer[(static_cast<std::size_t>(y) % 8) * 8 + i / 4 % 8] * 4);
-    }
     const double at = (y + 0.5) * small.height / size.height() - 0.5;
     const int above = static_cast<int>(std::floor(at));
-    const auto row = [&](int index) {
-      return rows[static_cast<std::size_t>(std::clamp(index, 0, small.height - 1))].data();
-    };
-    const auto* first = row(above);
-    const auto* second = row(above + 1);
-    const auto weight = static_cast<std::uint32_t>((at - above) * 256);
-    auto* out = image.scanLine(y);
-    const auto* noise = dither.data();
-    const int values = 4 * width;
-    for (int i = 0; i < values; ++i) {
-      const std::uint32_t mixed = (first[i] * (256 - weight) + second[i] * weight) >> 8U;
-      out[i] = static_cast<uchar>((mixed + noise[i]) >> 8U);
-    }
+    const auto share = static_cast<std::int16_t>((at - above) * 32767);
+    mixRows(row(above), row(above + 1), share, noise[static_cast<std::size_t>(y % 8)].data(), image.scanLine(y),
+            values);
   }
   return image;
 }

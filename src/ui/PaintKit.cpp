@@ -32,7 +32,7 @@ PaintKit::PaintKit(const Theme& withTheme, double scale) : theme(withTheme), pix
   windowShadow = patch(largestWindowCorner, 7, 2, faded(theme.shadow, 0.8));
   carriedShadow = patch(largestWindowCorner, 22, 9, faded(theme.shadow, 1.2));
   badgeShadow = patch(10, 5, 1, faded(theme.shadow, 0.6));
-  selectionGlow = patch(largestTileCorner + 2, 13, 0, faded(theme.selection, theme.dark ? 0.55 : 0.4));
+  selectionGlow = patch(largestTileCorner + 8, 13, 0, faded(theme.selection, theme.dark ? 0.55 : 0.4));
   accentGlow = patch(largestWindowCorner, 10, 0, faded(theme.accent, 0.85));
 }
 

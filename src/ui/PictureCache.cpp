@@ -7,16 +7,18 @@
 #include <tuple>
 #include <utility>
 
+#include "ui/PictureScaling.h"
 #include "ui/RoundedCorners.h"
 
 namespace tessaspaces {
 namespace {
 
 bool isOpaque(const QImage& image) {
+  const int width = image.width();
   for (int y = 0; y < image.height(); ++y) {
     const auto* row = reinterpret_cast<const std::uint32_t*>(image.constScanLine(y));
     std::uint32_t all = 0xFF000000U;
-    for (int x = 0; x < image.width(); ++x) all &= row[x];
+    for (int x = 0; x < width; ++x) all &= row[x];
     if (all != 0xFF000000U) return false;
   }
   return true;
@@ -32,10 +34,10 @@ ReadyPicture made(const PictureRequest& request) {
   const QImage whole = wrapped(request.image);
   const QRect part = request.part & whole.rect();
   if (whole.isNull() || part.isEmpty() || request.size.isEmpty()) return {};
-  QImage scaled = view(whole, part, QImage::Format_ARGB32_Premultiplied);
-  scaled = scaled.size() == request.size ? scaled.copy()
-                                         : scaled.scaled(request.size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  scaled.convertTo(QImage::Format_ARGB32_Premultiplied);
+  if (request.size == whole.size() && part == whole.rect() && request.corner == 0 && request.line == 0) {
+    return {whole, isOpaque(whole) ? 0 : -1};
+  }
+  QImage scaled = scaledPicture(view(whole, part, QImage::Format_ARGB32_Premultiplied), request.size);
   const bool opaque = isOpaque(scaled);
   const int corner = std::min({request.corner, scaled.width() / 2, scaled.height() / 2});
   RoundedCorners::cut(scaled, corner);

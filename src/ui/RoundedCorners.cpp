@@ -100,14 +100,16 @@ void outline(QImage& image, int radius, int width, const QColor& color, const st
     }
   }
   const auto whole = over(1);
+  const int right = image.width() - 1;
+  const int bottom = image.height() - 1;
   for (int i = 0; i < line; ++i) {
-    for (int x = reach; x < image.width() - reach; ++x) {
+    for (int x = reach; x <= right - reach; ++x) {
       pixels.change(x, i, whole);
-      pixels.change(x, image.height() - 1 - i, whole);
+      pixels.change(x, bottom - i, whole);
     }
-    for (int y = reach; y < image.height() - reach; ++y) {
+    for (int y = reach; y <= bottom - reach; ++y) {
       pixels.change(i, y, whole);
-      pixels.change(image.width() - 1 - i, y, whole);
+      pixels.change(right - i, y, whole);
     }
   }
 }

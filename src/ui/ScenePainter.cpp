@@ -14,8 +14,10 @@ namespace {
 /// A region of more rectangles is drawn as one: each costs a pass over all tiles.
 constexpr int mostPieces = 6;
 constexpr double carriedOpacity = 0.96;
-/// The content of a zoomed tile is drawn at most so much larger than on the panel: pictures hold no more.
-constexpr double finerContent = 2;
+/// The content of a zoomed tile is drawn at most so much larger than on the panel.
+constexpr double finestContent = 2;
+/// Less than this is not worth drawing it anew.
+constexpr double leastFiner = 1.5;
 
 /// Draws in device pixels while it lives.
 class InPixels {
@@ -31,6 +33,18 @@ class InPixels {
  private:
   QPainter& painter_;
 };
+
+/// How much larger than on the panel a tile can be drawn before its windows' pictures have no more to show.
+double finerContent(const GridScene::Tile& tile, Size bounds, double scale) {
+  double finer = 1;
+  for (const auto& window : tile.windows) {
+    if (window.picture && !window.rect.isEmpty()) {
+      finer = std::max(finer, window.picture->width / (window.rect.width * scale));
+    }
+  }
+  finer = std::min({finer, finestContent, bounds.width / tile.content.width});
+  return finer < leastFiner ? 1 : finer;
+}
 
 }  // namespace
 
@@ -190,24 +204,24 @@ QImage ScenePainter::renderContent(const Rect& content) {
   const auto found =
       std::find_if(tiles.begin(), tiles.end(), [&](const auto& tile) { return tile.content == content; });
   if (found == tiles.end() || content.isEmpty()) return {};
-  // Moved and enlarged as a scene of its own.
-  const double larger = std::clamp(state_->scene.bounds.width / content.width, 1.0, finerContent);
-  PaintKit kit(state_->kit.theme, state_->kit.pixels.scale * larger);
   GridScene::Tile tile = *found;
-  const auto moved = [&](Rect rect) {
-    if (!rect.isEmpty()) rect.x -= content.x, rect.y -= content.y;
-    return rect;
-  };
-  tile.content = moved(content);
   for (auto& window : tile.windows) {
-    window.rect = moved(window.rect);
     if (window.look != GridScene::Window::Look::lifted) window.look = GridScene::Window::Look::plain;
   }
-  QImage image(kit.pixels.rect(tile.content).size(), QImage::Format_RGB32);
-  if (image.isNull()) return {};
-  QPainter painter(&image);
-  TilePainter(kit).paintDesktop(painter, tile);
-  return image;
+  const double scale = state_->kit.pixels.scale;
+  const double finer = finerContent(*found, state_->scene.bounds, scale);
+  const auto drawn = [&](PaintKit& kit) {
+    const QRect at = kit.pixels.rect(tile.content);
+    QImage image(at.size(), QImage::Format_RGB32);
+    if (image.isNull()) return image;
+    QPainter painter(&image);
+    painter.translate(-at.topLeft());
+    TilePainter(kit).paintDesktop(painter, tile);
+    return image;
+  };
+  if (finer == 1) return drawn(state_->kit);
+  PaintKit kit(state_->kit.theme, scale * finer);
+  return drawn(kit);
 }
 
 QRectF ScenePainter::carriedBounds(const Rect& rect) const {

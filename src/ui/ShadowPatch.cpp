@@ -48,35 +48,54 @@ std::vector<double> blurred(int side, int blur, int corner) {
 
 }  // namespace
 
-ShadowPatch::ShadowPatch(const Look& look) : look_(look), inner_(look.corner + look.blur) {
-  if (look.blur < 1) return;
+ShadowPatch::Pieces ShadowPatch::made() const {
+  const Look& look = look_;
+  Pieces pieces;
   const int piece = look.blur + inner_;
   const int side = 2 * piece + 1;
   const auto mask = blurred(side, look.blur, look.corner);
   const QRgb color = look.color.rgba();
-  const auto pixel = [&](int x, int y) {
-    const double alpha = mask[static_cast<std::size_t>(y * side + x)] * qAlpha(color);
+  const auto pixel = [&](int x, int y, double share) {
+    const double alpha = mask[static_cast<std::size_t>(y * side + x)] * qAlpha(color) * share;
     return qPremultiply(qRgba(qRed(color), qGreen(color), qBlue(color), static_cast<int>(std::lround(alpha))));
   };
-  corners_ = QImage(2 * piece, 2 * piece, QImage::Format_ARGB32_Premultiplied);
+  // Nothing under the rectangle itself, which may be drawn translucent.
+  const auto hole = [&](int x, int y) {
+    const int far = side - look.blur - look.corner;
+    const double dx = std::max({piece - look.blur - (x + 0.5), (x + 0.5) - far, 0.0});
+    const double down = y + 0.5 + look.drop;
+    const double dy = std::max({piece - look.blur - down, down - far, 0.0});
+    return std::clamp(look.corner - std::hypot(dx, dy) + 0.5, 0.0, 1.0);
+  };
+  QImage& corners = pieces.corners;
+  corners = QImage(2 * piece, 2 * piece, QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < 2 * piece; ++y) {
-    auto* row = reinterpret_cast<QRgb*>(corners_.scanLine(y));
-    for (int x = 0; x < 2 * piece; ++x) row[x] = pixel(x < piece ? x : x + 1, y < piece ? y : y + 1);
+    auto* row = reinterpret_cast<QRgb*>(corners.scanLine(y));
+    for (int x = 0; x < 2 * piece; ++x) {
+      const int fromX = x < piece ? x : x + 1;
+      const int fromY = y < piece ? y : y + 1;
+      row[x] = pixel(fromX, fromY, 1 - hole(fromX, fromY));
+    }
   }
-  for (int edge = 0; edge < 4; ++edge) {
+  const std::array<int, 4> thickness = {look.blur, std::max(0, look.blur - look.drop), look.blur,
+                                        look.blur + look.drop};
+  for (std::size_t edge = 0; edge < 4; ++edge) {
     const bool upright = edge % 2 == 0;
     const bool far = edge > 1;
-    QImage& image = edges_[static_cast<std::size_t>(edge)];
-    image = upright ? QImage(look.blur, pieceLength, QImage::Format_ARGB32_Premultiplied)
-                    : QImage(pieceLength, look.blur, QImage::Format_ARGB32_Premultiplied);
+    const int thick = thickness[edge];
+    if (thick == 0) continue;
+    QImage& image = pieces.edges[edge];
+    image = upright ? QImage(thick, pieceLength, QImage::Format_ARGB32_Premultiplied)
+                    : QImage(pieceLength, thick, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
       auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
       for (int x = 0; x < image.width(); ++x) {
-        const int out = upright ? x : y;
-        row[x] = pixel(piece, far ? side - look.blur + out : out);
+        const int out = far ? side - thick + (upright ? x : y) : (upright ? x : y);
+        row[x] = upright ? pixel(out, piece, 1) : pixel(piece, out, 1);
       }
     }
   }
+  return pieces;
 }
 
 QRect ShadowPatch::bounds(const QRect& around) const {
@@ -85,6 +104,8 @@ QRect ShadowPatch::bounds(const QRect& around) const {
 
 void ShadowPatch::draw(QPainter& painter, const QRect& around) const {
   if (look_.blur < 1 || around.isEmpty()) return;
+  if (!pieces_) pieces_ = made();
+  const auto& [corners, edges] = *pieces_;
   const QRect outside = bounds(around);
   const int blur = look_.blur;
   const int right = outside.x() + outside.width();
@@ -94,23 +115,24 @@ void ShadowPatch::draw(QPainter& painter, const QRect& around) const {
   const int rightPart = std::min(inner_, around.width() / 2);
   const int topPart = std::min(inner_, (around.height() + 1) / 2);
   const int bottomPart = std::min(inner_, around.height() / 2);
-  const int end = corners_.width();
-  painter.drawImage(outside.topLeft(), corners_, QRect(0, 0, blur + leftPart, blur + topPart));
-  painter.drawImage(QPoint(right - blur - rightPart, outside.y()), corners_,
+  const int end = corners.width();
+  painter.drawImage(outside.topLeft(), corners, QRect(0, 0, blur + leftPart, blur + topPart));
+  painter.drawImage(QPoint(right - blur - rightPart, outside.y()), corners,
                     QRect(end - blur - rightPart, 0, blur + rightPart, blur + topPart));
-  painter.drawImage(QPoint(outside.x(), bottom - blur - bottomPart), corners_,
+  painter.drawImage(QPoint(outside.x(), bottom - blur - bottomPart), corners,
                     QRect(0, end - blur - bottomPart, blur + leftPart, blur + bottomPart));
-  painter.drawImage(QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners_,
+  painter.drawImage(QPoint(right - blur - rightPart, bottom - blur - bottomPart), corners,
                     QRect(end - blur - rightPart, end - blur - bottomPart, blur + rightPart, blur + bottomPart));
+  const auto& [left, above, toRight, below] = edges;
   for (int x = outside.x() + blur + leftPart; x < right - blur - rightPart; x += pieceLength) {
     const int length = std::min(pieceLength, right - blur - rightPart - x);
-    painter.drawImage(QPoint(x, outside.y()), edges_[1], QRect(0, 0, length, blur));
-    painter.drawImage(QPoint(x, bottom - blur), edges_[3], QRect(0, 0, length, blur));
+    painter.drawImage(QPoint(x, outside.y()), above, QRect(0, 0, length, above.height()));
+    painter.drawImage(QPoint(x, bottom - below.height()), below, QRect(0, 0, length, below.height()));
   }
   for (int y = outside.y() + blur + topPart; y < bottom - blur - bottomPart; y += pieceLength) {
     const int length = std::min(pieceLength, bottom - blur - bottomPart - y);
-    painter.drawImage(QPoint(outside.x(), y), edges_[0], QRect(0, 0, blur, length));
-    painter.drawImage(QPoint(right - blur, y), edges_[2], QRect(0, 0, blur, length));
+    painter.drawImage(QPoint(outside.x(), y), left, QRect(0, 0, blur, length));
+    painter.drawImage(QPoint(right - blur, y), toRight, QRect(0, 0, blur, length));
   }
 }
 

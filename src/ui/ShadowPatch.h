@@ -5,11 +5,12 @@
 #include <QPainter>
 #include <QRect>
 #include <array>
+#include <optional>
 
 namespace tessaspaces {
 
-/// A soft shadow (or glow) around rounded rectangles of any size: blurred once, drawn by copying pieces. All in device
-/// pixels.
+/// A soft shadow (or glow) around rounded rectangles of any size: blurred once, drawn by copying pieces. Nothing lies
+/// under the rectangle itself. All in device pixels.
 class ShadowPatch {
  public:
   struct Look {
@@ -21,20 +22,25 @@ class ShadowPatch {
   };
 
   ShadowPatch() = default;
-  explicit ShadowPatch(const Look& look);
+  explicit ShadowPatch(const Look& look) : look_(look), inner_(look.corner + look.blur) {}
 
-  /// Draws it around the rectangle. Most of what the rectangle covers is left out.
+  /// Draws it around the rectangle. Blurred when it is drawn first.
   void draw(QPainter& painter, const QRect& around) const;
   /// All that `draw` may touch.
   [[nodiscard]] QRect bounds(const QRect& around) const;
   [[nodiscard]] const Look& look() const { return look_; }
 
  private:
+  struct Pieces {
+    QImage corners;
+    /// Left, top, right, bottom.
+    std::array<QImage, 4> edges;
+  };
+  [[nodiscard]] Pieces made() const;
+
   Look look_;
   int inner_ = 0;  // so far into the rectangle the corners' rounding reaches
-  QImage corners_;
-  /// Left, top, right, bottom.
-  std::array<QImage, 4> edges_;
+  mutable std::optional<Pieces> pieces_;
 };
 
 }  // namespace tessaspaces

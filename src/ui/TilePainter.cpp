@@ -130,8 +130,12 @@ void TilePainter::paintDesktop(QPainter& painter, const Tile& tile) {
     painter.fillRect(at, QColor::fromRgb(tile.background.color));
   }
   WindowPainter windows(kit_);
-  for (auto window = tile.windows.rbegin(); window != tile.windows.rend(); ++window) {
-    if (windows.bounds(*window).intersects(clip)) windows.paint(painter, *window, tile.content);
+  // What does not match a filter lies below all that does, which could not be told apart otherwise.
+  for (const bool dimmed : {true, false}) {
+    for (auto window = tile.windows.rbegin(); window != tile.windows.rend(); ++window) {
+      const bool matches = window->look != GridScene::Window::Look::dimmed;
+      if (matches != dimmed && windows.bounds(*window).intersects(clip)) windows.paint(painter, *window, tile.content);
+    }
   }
 }
 

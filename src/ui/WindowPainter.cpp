@@ -21,6 +21,10 @@ constexpr double barHeight = 12;
 constexpr double largestBarPart = 0.16;
 /// Smaller than this there is no room for an icon to be recognised.
 constexpr double leastIcon = 5;
+/// Icons are enlarged no further: they would only get blurred.
+constexpr double largestIcon = 1.5;
+/// In points, for the letter that stands in for one.
+constexpr double largestLetter = 72;
 constexpr double bestRing = 3;
 constexpr double litRing = 1.5;
 constexpr double hoverRing = 2;
@@ -62,7 +66,8 @@ PictureRequest WindowPainter::previewRequest(const Window& window, const Rect& r
 PictureRequest WindowPainter::iconRequest(const Window& window, const Rect& rect) const {
   const QRect at = kit_.pixels.rect(GridLayout::iconRect(rect));
   const QRect whole(0, 0, window.icon->width, window.icon->height);
-  return {window.icon, whole.size().scaled(at.size(), Qt::KeepAspectRatio), whole};
+  const QSize most = (QSizeF(whole.size()) * largestIcon).toSize();
+  return {window.icon, whole.size().scaled(at.size().boundedTo(most), Qt::KeepAspectRatio), whole};
 }
 
 void WindowPainter::collect(const Window& window, const Rect& content, std::vector<PictureRequest>& requests) const {
@@ -154,11 +159,12 @@ void WindowPainter::paintCard(QPainter& painter, const Window& window, const Rec
   }
   // No picture of any kind: the first letter of its name says a little.
   const QString name = text(window.application.empty() ? window.title : window.application).simplified();
-  const int side = iconAt.width();
-  fillRounded(painter, iconAt, side * 0.22, faded(theme.accent, 0.85));
+  const int side = std::min(iconAt.width(), kit_.length(largestLetter));
+  const QRect square(iconAt.center().x() - side / 2, iconAt.center().y() - side / 2, side, side);
+  fillRounded(painter, square, side * 0.22, faded(theme.accent, 0.85));
   const TextLine letter(name.left(name.size() > 1 && name.at(0).isHighSurrogate() ? 2 : 1).toUpper(),
                         Theme::font(side * 0.5, QFont::DemiBold), side);
-  letter.draw(painter, iconAt.adjusted((side - letter.width) / 2, 0, 0, 0), theme.onAccent);
+  letter.draw(painter, square.adjusted((side - letter.width) / 2, 0, 0, 0), theme.onAccent);
 }
 
 void WindowPainter::paintTitle(QPainter& painter, const Window& window, const Rect& content) {

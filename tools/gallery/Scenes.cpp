@@ -24,8 +24,9 @@ using Look = GridScene::Window::Look;
 /// As large as captures are by default.
 constexpr int captureSide = 480;
 
-const std::array<const char*, 16> names = {"Mail",   "Code",  "Browser", "Writing", "Music",  "Photos",   "Servers", "Chat",
-                                           "Budget", "Plans", "Reading", "Design",  "Travel", "Research", "Review",  "Desktop 16"};
+const std::array<const char*, 16> names = {"Mail",    "Code",     "Browser", "Writing",   "Music",   "Photos",
+                                           "Servers", "Chat",     "Budget",  "Plans",     "Reading", "Design",
+                                           "Travel",  "Research", "Review",  "Desktop 16"};
 
 ImageRef preview(int application, int number, const Rect& bounds) {
   static std::map<std::tuple<int, int, int, int>, ImageRef> made;
@@ -85,13 +86,19 @@ GridScene filtered(GridScene scene, int wanted) {
 
 GridScene longNamed(GridScene scene) {
   const std::array<const char*, 6> labels = {
-      "A desktop whose name goes on and on and would never fit under any tile at all", "مكتب العمل اليومي للمشروع الكبير",
-      "家と仕事のあいだの長い名前のデスクトップ", "", "Line\nbreak\tand  spaces", "Rakéta 🚀🚀🚀 čšřžýáíé"};
+      "A desktop whose name goes on and on and would never fit under any tile at all",
+      "مكتب العمل اليومي للمشروع الكبير",
+      "家と仕事のあいだの長い名前のデスクトップ",
+      "",
+      "Line\nbreak\tand  spaces",
+      "Rakéta 🚀🚀🚀 čšřžýáíé"};
   for (std::size_t i = 0; i < scene.tiles.size(); ++i) scene.tiles[i].label = labels[i % labels.size()];
   scene.title = "An external display with a name that its maker thought long and hard about (HDMI-A-0, 27 inches)";
-  scene.hint = "A hint that is far too long for the strip that it is to be shown in, with every key of the keyboard explained "
-               "at length, and then some more words, so that even a wide display has no room for them all";
-  scene.tiles.at(0).fullScreenApplication = "A presentation program with an endless name that covers it all, truly endless";
+  scene.hint =
+      "A hint that is far too long for the strip that it is to be shown in, with every key of the keyboard explained "
+      "at length, and then some more words, so that even a wide display has no room for them all";
+  scene.tiles.at(0).fullScreenApplication =
+      "A presentation program with an endless name that covers it all, truly endless";
   return scene;
 }
 
@@ -103,8 +110,7 @@ struct PlatformFor::Parts {
 
 PlatformFor::PlatformFor(Size screen) : parts_(std::make_unique<Parts>()) {
   const auto side = [](double length) { return std::to_string(std::lround(length)); };
-  parts_->platform =
-      SimulatedPlatform::fromText("main " + side(screen.width) + "x" + side(screen.height) + " | A*");
+  parts_->platform = SimulatedPlatform::fromText("main " + side(screen.width) + "x" + side(screen.height) + " | A*");
   setPlatform(parts_->platform.get());
 }
 
@@ -148,8 +154,8 @@ GridScene makeScene(const Kind& kind) {
     tile.current = i == (layout.tileRects().size() > 4 ? 5 : 1);
     if (kind.wallpapers) {
       const auto pixels = [&](double points) { return static_cast<int>(std::lround(points * kind.scale)); };
-      tile.background.image = imageOf(wallpaper(kind.oneWallpaper ? 0 : static_cast<int>(i),
-                                                pixels(tile.content.width), pixels(tile.content.height)));
+      tile.background.image = imageOf(wallpaper(kind.oneWallpaper ? 0 : static_cast<int>(i), pixels(tile.content.width),
+                                                pixels(tile.content.height)));
     }
     for (std::size_t j = 0; j < desktop.windows.size(); ++j) {
       const auto& from = desktop.windows[j];
@@ -187,20 +193,30 @@ std::vector<Exhibit> exhibits() {
                    window(scene, 2, 1).look = Look::hovered;
                  })});
   all.push_back({"drag", true, 1, dragged(usual)});
-  all.push_back({"icons", true, 1, makeScene([&] { auto kind = four; kind.previews = false; return kind; }())});
-  all.push_back({"empty", true, 1, changed(makeScene([&] {
+  all.push_back({"icons", true, 1, makeScene([&] {
                    auto kind = four;
-                   kind.desktops = 3;
-                   kind.windows = 1;
+                   kind.previews = false;
                    return kind;
-                 }()), [&](GridScene& scene) {
-                   scene.plus = GridScene::Plus{};
-                   scene.plus->rect = usual.tiles[3].rect;
-                   scene.tiles[2].fullScreenApplication = "Presentation";
-                   scene.tiles[2].selected = true;
-                 })});
+                 }())});
+  all.push_back({"empty", true, 1,
+                 changed(makeScene([&] {
+                           auto kind = four;
+                           kind.desktops = 3;
+                           kind.windows = 1;
+                           return kind;
+                         }()),
+                         [&](GridScene& scene) {
+                           scene.plus = GridScene::Plus{};
+                           scene.plus->rect = usual.tiles[3].rect;
+                           scene.tiles[2].fullScreenApplication = "Presentation";
+                           scene.tiles[2].selected = true;
+                         })});
   all.push_back({"long-names", true, 1, longNamed(usual)});
-  all.push_back({"no-wallpaper", true, 1, makeScene([&] { auto kind = four; kind.wallpapers = false; return kind; }())});
+  all.push_back({"no-wallpaper", true, 1, makeScene([&] {
+                   auto kind = four;
+                   kind.wallpapers = false;
+                   return kind;
+                 }())});
   Kind many;
   many.rows = many.columns = 4;
   many.desktops = 16;

@@ -223,7 +223,8 @@ QImage windowPicture(int application, int number, int width, int height) {
     case 6: drawing.tables(); break;
     default: drawing.photos(number); break;
   }
-  const bool dark = application % applications == 1 || application % applications == 2 || application % applications == 5;
+  const bool dark =
+      application % applications == 1 || application % applications == 2 || application % applications == 5;
   drawing.titleBar(windowTitle(application, number), dark);
   return image;
 }

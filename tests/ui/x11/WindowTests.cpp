@@ -82,6 +82,11 @@ TEST_F(PanelTest, AppearsCompleteAndGoesAtOnce) {
   open(0);
   ASSERT_TRUE(left().takeKeyboard());
   EXPECT_TRUE(screenContent(x) == with(allowed[0], scene(0), 0));
+  // What changes before Qt knows that the window is there is not forgotten.
+  GridScene changed = scene(0);
+  changed.tiles[3].selected = true;
+  left().show(changed);
+  EXPECT_TRUE(eventually([&] { return screenContent(x) == with(allowed[0], changed, 0); }));
 }
 
 TEST_F(PanelTest, FollowsItsSceneAndZooms) {

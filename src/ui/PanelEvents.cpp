@@ -55,7 +55,7 @@ bool PanelEvents::eventFilter(QObject*, QEvent* event) {
     case QEvent::KeyPress: key(*static_cast<QKeyEvent*>(event)); break;
     case QEvent::InputMethod: {
       const std::string text = static_cast<QInputMethodEvent*>(event)->commitString().toStdString();
-      if (!text.empty() && system_.overlay == nullptr) input_.typed(text);
+      if (!text.empty() && system_.overlay() == nullptr) input_.typed(text);
       break;
     }
     default: break;
@@ -65,7 +65,7 @@ bool PanelEvents::eventFilter(QObject*, QEvent* event) {
 
 void PanelEvents::pressed(const QMouseEvent& event) {
   const auto button = buttonOf(event.button());
-  if (system_.overlay != nullptr && system_.overlay->pressedBeside()) return;
+  if (system_.overlay() != nullptr && system_.overlay()->pressedBeside()) return;
   if (!button) return;
   down_ |= event.button();
   input_.pressed(*button, canvas_.toScene(event.position()));
@@ -78,7 +78,7 @@ void PanelEvents::released(const QMouseEvent& event) {
 }
 
 void PanelEvents::key(const QKeyEvent& event) {
-  if (system_.overlay != nullptr && system_.overlay->keyBeside(event)) return;
+  if (system_.overlay() != nullptr && system_.overlay()->keyBeside(event)) return;
   const auto meaning = KeyMapping::gridKey(event);
   constexpr auto commanding = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
   const bool command = (event.modifiers() & commanding) != 0;

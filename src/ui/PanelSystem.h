@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QWindow>
+#include <vector>
 
 #include "base/KeyCombo.h"
 #include "base/Signal.h"
@@ -46,8 +47,13 @@ class PanelSystem {
   /// had is lost.
   Signal<QWindow*> covered;
 
-  /// What has the input at the moment; null: the panels themselves.
-  PanelOverlay* overlay = nullptr;
+  /// What has the input at the moment, the last one laid over any panel; null: the panels themselves.
+  [[nodiscard]] PanelOverlay* overlay() const { return overlays_.empty() ? nullptr : overlays_.back(); }
+  void lay(PanelOverlay& overlay) { overlays_.push_back(&overlay); }
+  void lift(PanelOverlay& overlay) { std::erase(overlays_, &overlay); }
+
+ private:
+  std::vector<PanelOverlay*> overlays_;
 };
 
 /// Knows no window system but Qt's: input is taken from this program's own windows alone, and nothing covers them.

@@ -136,7 +136,8 @@ void PanelWindow::clear() {
 
 void PanelWindow::lay(QWidget* widget, PanelOverlay* overlay) {
   over_ = widget;
-  overlay_ = system_.overlay = overlay;
+  overlay_ = overlay;
+  system_.lay(*overlay);
   QWindow* holder = system_.inputHolder();
   borrowedFrom_ = nullptr;
   if (holder != nullptr && holder != canvas_->windowHandle() && system_.takeInput(*canvas_->windowHandle())) {
@@ -147,8 +148,7 @@ void PanelWindow::lay(QWidget* widget, PanelOverlay* overlay) {
 
 void PanelWindow::lift() {
   if (over_ == nullptr) return;
-  if (system_.overlay == overlay_) system_.overlay = nullptr;
-  overlay_ = nullptr;
+  system_.lift(*std::exchange(overlay_, nullptr));
   QWidget* widget = over_;
   over_ = nullptr;
   widget->hide();

@@ -92,15 +92,23 @@ void CoverWatch::handle(const xcb_generic_event_t& event) {
   if (window != XCB_NONE && !isOurs(window) && !timer_.isActive()) timer_.start(settle);
 }
 
-void CoverWatch::look() {
+std::vector<xcb_window_t> CoverWatch::stacking() const {
   const auto tree = await(connection_, xcb_query_tree_reply, xcb_query_tree(connection_, root_));
-  if (!tree) return;
+  if (!tree) return {};
   const auto* first = xcb_query_tree_children(tree.get());
-  const std::vector<xcb_window_t> stacking(first, first + xcb_query_tree_children_length(tree.get()));
+  return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+bool CoverWatch::isCovered(const QWindow& window) const {
+  return isCovered(static_cast<xcb_window_t>(window.winId()), stacking());
+}
+
+void CoverWatch::look() {
+  const auto all = stacking();
   bool again = false;
   std::vector<QWindow*> found;
   for (Panel& panel : panels_) {
-    const bool now = isCovered(static_cast<xcb_window_t>(panel.window->winId()), stacking);
+    const bool now = isCovered(static_cast<xcb_window_t>(panel.window->winId()), all);
     if (now && panel.seenCovered) found.push_back(panel.window);
     again = again || (now && !panel.seenCovered);
     panel.seenCovered = now;
@@ -114,7 +122,7 @@ void CoverWatch::look() {
   }
 }
 
-bool CoverWatch::isCovered(xcb_window_t panel, const std::vector<xcb_window_t>& stacking) {
+bool CoverWatch::isCovered(xcb_window_t panel, const std::vector<xcb_window_t>& stacking) const {
   const auto at = std::find(stacking.begin(), stacking.end(), panel);
   if (at == stacking.end()) return false;
   struct Above {

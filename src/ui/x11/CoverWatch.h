@@ -3,7 +3,6 @@
 #include <QRect>
 #include <QTimer>
 #include <QWindow>
-#include <map>
 #include <vector>
 
 #include "base/Signal.h"
@@ -25,6 +24,8 @@ class CoverWatch {
   void remove(QWindow& window);
   /// To be given every event.
   void handle(const xcb_generic_event_t& event);
+  /// How it is at this moment; asks the server.
+  [[nodiscard]] bool isCovered(const QWindow& window) const;
 
   Signal<QWindow*> covered;
 
@@ -38,7 +39,9 @@ class CoverWatch {
   void listen(bool wanted);
   void look();
   [[nodiscard]] bool isOurs(xcb_window_t window) const;
-  [[nodiscard]] bool isCovered(xcb_window_t panel, const std::vector<xcb_window_t>& stacking);
+  /// All top-level windows, from the lowest to the highest.
+  [[nodiscard]] std::vector<xcb_window_t> stacking() const;
+  [[nodiscard]] bool isCovered(xcb_window_t panel, const std::vector<xcb_window_t>& stacking) const;
 
   xcb_connection_t* connection_;
   xcb_window_t root_;

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "app/Chrome.h"
-#include "app/Text.h"
+#include "ui/Text.h"
 
 namespace tessaspaces::Alerts {
 namespace {

@@ -9,7 +9,6 @@
 #include "app/Alerts.h"
 #include "app/HotKeySet.h"
 #include "app/LaunchWindowController.h"
-#include "app/Text.h"
 #include "hotkeys/HotKeyCenter.h"
 #include "model/DisplayScreens.h"
 #include "platform/Platform.h"
@@ -17,6 +16,7 @@
 #include "settings/Log.h"
 #include "settings/Notifications.h"
 #include "settings/Settings.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 namespace {

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "app/Icons.h"
-#include "app/Text.h"
 #include "settings/Notifications.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 namespace {

@@ -5,8 +5,8 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "app/Text.h"
 #include "platform/Platform.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 

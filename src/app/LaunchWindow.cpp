@@ -12,11 +12,11 @@
 #include "app/HotKeySet.h"
 #include "app/LaunchWindowController.h"
 #include "app/Readiness.h"
-#include "app/Text.h"
 #include "platform/Platform.h"
 #include "settings/Enums.h"
 #include "settings/Notifications.h"
 #include "settings/Settings.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 namespace {

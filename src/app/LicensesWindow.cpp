@@ -7,7 +7,7 @@
 #include <array>
 
 #include "app/InfoWindows.h"
-#include "app/Text.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 namespace {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "app/Icons.h"
-#include "app/Text.h"
+#include "ui/Text.h"
 
 namespace tessaspaces::Menu {
 namespace {

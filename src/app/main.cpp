@@ -17,8 +17,8 @@
 #include "app/SessionBus.h"
 #include "app/SingleInstanceGuard.h"
 #include "app/TerminationSignals.h"
-#include "app/Text.h"
 #include "settings/Log.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 namespace {

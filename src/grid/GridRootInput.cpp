@@ -23,8 +23,9 @@ GridTarget State::hovered() const {
 
 void State::pointerMoved(Point at) {
   const auto before = hovered();
+  // That it is somewhere when the panel comes up under it says nothing of what the user means.
+  if (pointer && *pointer != at) pointerLeads = true;
   pointer = at;
-  pointerLeads = true;
   if (!drag && press && press->button == GridButton::left && press->target.kind == Kind::window &&
       GridDrag::isMeant(press->at, at)) {
     startDrag();
@@ -58,9 +59,12 @@ void State::pressed(GridButton button, Point at) {
     if (button == GridButton::right) cancelDrag();
     return;
   }
-  if (std::exchange(press, std::nullopt)) return;  // two buttons at once mean nothing
-  pointer = at;
-  if (isInside(at)) press = Press{button, at, targetAt(at)};
+  // Two buttons at once mean nothing; the same one again was let go where nobody saw it.
+  if (press && press->button != button) return press.reset();
+  press.reset();
+  pointerMoved(at);
+  pointerLeads = true;
+  if (isInside(at)) press = GridPress{button, at, targetAt(at)};
 }
 
 void State::released(GridButton button, Point at) {
@@ -136,9 +140,7 @@ void State::flyHome(WindowID window, SpaceID space, const Rect& from) {
   if (!at) return;
   const auto home = previewRect(*at);
   if (home.isEmpty()) return;
-  auto shown = sceneWindow(*at);
-  shown.look = GridScene::Window::Look::plain;
-  owner.flyBack(shown, from, home);
+  owner.flyBack(plainWindow(*at), from, home);
 }
 
 }  // namespace tessaspaces

@@ -27,7 +27,8 @@ void State::moveTo(SpaceID from, WindowID window, SpaceID to) {
   const auto& desktop = desktopAt(*target);
   const auto content = layout().contentRects()[static_cast<std::size_t>(*target)];
   // Dropped where it would be seen if it had been there before.
-  const auto frame = desktop->screen ? ScreenGeometry::flipped(desktop->screen->frame) : Rect{};
+  const auto& shownOn = desktop->screen ? desktop->screen : screen;
+  const auto frame = shownOn ? ScreenGeometry::flipped(shownOn->frame) : Rect{};
   const auto& bounds = windowAt(*at).bounds;
   Point corner{content.x, content.y};
   if (!frame.isEmpty()) {

@@ -28,28 +28,23 @@ GridScene State::scene() const {
   scene.matches = matches().count;
   scene.keyboard = keyboard;
   scene.exploded = layout().explodedAll();
-  for (int tile = 0; tile < tileCount(); ++tile) scene.tiles.push_back(sceneTile(tile));
-
   const auto under = hovered();
-  if (under.kind == GridTarget::Kind::tile || under.kind == GridTarget::Kind::window) {
-    if (const auto tile = tileOf(under.space)) scene.tiles[static_cast<std::size_t>(*tile)].hovered = true;
-  }
+  for (int tile = 0; tile < tileCount(); ++tile) scene.tiles.push_back(sceneTile(tile, under));
   if (const auto tile = dropTile()) scene.tiles[static_cast<std::size_t>(*tile)].dropTarget = true;
   if (const auto rect = plus()) {
     scene.plus = {*rect, under.kind == GridTarget::Kind::plus, selectionShown() && plusSelected, busyAdding};
   }
   if (drag) {
     if (const auto at = find(drag->fromSpace(), drag->window().id)) {
-      auto window = sceneWindow(*at);
+      auto window = plainWindow(*at);
       window.rect = drag->carried();
-      window.look = Look::plain;
       scene.carried = {std::move(window)};
     }
   }
   return scene;
 }
 
-GridScene::Tile State::sceneTile(int tile) const {
+GridScene::Tile State::sceneTile(int tile, const GridTarget& under) const {
   const auto index = static_cast<std::size_t>(tile);
   const auto& desktop = *desktopAt(tile);
   GridScene::Tile shown;
@@ -65,8 +60,13 @@ GridScene::Tile State::sceneTile(int tile) const {
   shown.number = tile + 1;
   shown.fullScreenApplication = desktop.frontmostFullscreenAppName.value_or("");
   shown.windows.reserve(desktop.windows.size());
-  for (int i = 0; i < static_cast<int>(desktop.windows.size()); ++i) shown.windows.push_back(sceneWindow({tile, i}));
+  for (int i = 0; i < static_cast<int>(desktop.windows.size()); ++i) {
+    shown.windows.push_back(plainWindow({tile, i}));
+    shown.windows.back().look = lookOf({tile, i}, under);
+  }
   shown.current = desktop.isCurrent;
+  shown.hovered = (under.kind == GridTarget::Kind::tile || under.kind == GridTarget::Kind::window) &&
+                  under.space == desktop.spaceID;
   shown.selected = selectionShown() && !plusSelected && selected == desktop.spaceID;
   if (!filter.isEmpty()) {
     const auto& ranks = matches().ranks[index];
@@ -75,7 +75,7 @@ GridScene::Tile State::sceneTile(int tile) const {
   return shown;
 }
 
-GridScene::Window State::sceneWindow(GridLayout::WindowHit at) const {
+GridScene::Window State::plainWindow(GridLayout::WindowHit at) const {
   const auto& desktop = *desktopAt(at.tile);
   const auto& window = windowAt(at);
   return {window.id,
@@ -84,16 +84,16 @@ GridScene::Window State::sceneWindow(GridLayout::WindowHit at) const {
           imageAt(desktop.icons, at.window),
           window.title,
           applicationOf(window),
-          lookOf(at)};
+          Look::plain};
 }
 
-Look State::lookOf(GridLayout::WindowHit at) const {
+Look State::lookOf(GridLayout::WindowHit at, const GridTarget& under) const {
   const auto space = desktopAt(at.tile)->spaceID;
   const auto window = windowAt(at).id;
   if (drag && drag->fromSpace() == space && drag->window().id == window) return Look::lifted;
   const auto& found = matches();
   if (found.best && found.best->tile == at.tile && found.best->window == at.window) return Look::best;
-  if (hovered() == GridTarget{GridTarget::Kind::window, space, window}) return Look::hovered;
+  if (under == GridTarget{GridTarget::Kind::window, space, window}) return Look::hovered;
   if (filter.isEmpty()) return Look::plain;
   const auto matched = found.ranks[static_cast<std::size_t>(at.tile)][static_cast<std::size_t>(at.window)];
   return matched ? Look::lit : Look::dimmed;

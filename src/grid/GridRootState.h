@@ -26,19 +26,21 @@ struct GridTarget {
   friend bool operator==(const GridTarget&, const GridTarget&) = default;
 };
 
-struct GridRootState {
-  struct Press {
-    GridButton button = GridButton::left;
-    Point at;
-    GridTarget target;
-  };
-  /// How well each window of each tile answers to the filter.
-  struct Matches {
-    std::vector<std::vector<std::optional<int>>> ranks;
-    int count = 0;
-    std::optional<GridLayout::WindowHit> best;
-  };
+/// A button that is held.
+struct GridPress {
+  GridButton button = GridButton::left;
+  Point at;
+  GridTarget target;
+};
 
+/// How well each window of each tile answers to the filter.
+struct GridMatches {
+  std::vector<std::vector<std::optional<int>>> ranks;
+  int count = 0;
+  std::optional<GridLayout::WindowHit> best;
+};
+
+struct GridRootState {
   explicit GridRootState(GridRootOwner& panel) : owner(panel) {}
 
   GridRootOwner& owner;
@@ -50,10 +52,10 @@ struct GridRootState {
 
   WindowFilter filter;
   std::optional<GridDrag> drag;
-  std::optional<Press> press;
+  std::optional<GridPress> press;
   std::optional<Point> pointer;
   std::optional<Point> externalHover;  // on the screen
-  /// The pointer was used later than the keys: what it rests on is meant.
+  /// The pointer moved later than a key was pressed: what it is over is meant.
   bool pointerLeads = false;
 
   bool keyboard = false;
@@ -74,7 +76,7 @@ struct GridRootState {
   void setSnapshot(SpacesSnapshot snapshot);
   void setExplodedAll(bool exploded);
   [[nodiscard]] const GridLayout& layout() const;
-  [[nodiscard]] const Matches& matches() const;
+  [[nodiscard]] const GridMatches& matches() const;
   [[nodiscard]] Size bounds() const;
   [[nodiscard]] bool isInside(Point at) const;
   [[nodiscard]] Point screenPoint(Point inRoot) const;
@@ -91,9 +93,11 @@ struct GridRootState {
 
   // Scene
   [[nodiscard]] GridScene scene() const;
-  [[nodiscard]] GridScene::Tile sceneTile(int tile) const;
-  [[nodiscard]] GridScene::Window sceneWindow(GridLayout::WindowHit at) const;
-  [[nodiscard]] GridScene::Window::Look lookOf(GridLayout::WindowHit at) const;
+  // `under`: what is hovered, found out once for all of them.
+  [[nodiscard]] GridScene::Tile sceneTile(int tile, const GridTarget& under) const;
+  [[nodiscard]] GridScene::Window::Look lookOf(GridLayout::WindowHit at, const GridTarget& under) const;
+  /// As it looks when nothing is known of it but what it is.
+  [[nodiscard]] GridScene::Window plainWindow(GridLayout::WindowHit at) const;
   [[nodiscard]] std::optional<int> dropTile() const;
   [[nodiscard]] std::string hint() const;
 
@@ -111,6 +115,8 @@ struct GridRootState {
   /// Ends the drag with nothing done; absent when there was none.
   std::optional<GridDrag> endDrag();
   void cancelDrag();
+  /// After the tiles changed.
+  void keepDrag();
   void flyHome(WindowID window, SpaceID space, const Rect& from);
 
   // Selection
@@ -157,7 +163,7 @@ struct GridRootState {
  private:
   mutable GridLayout grid_;
   mutable bool stale_ = true;
-  mutable std::optional<Matches> matches_;
+  mutable std::optional<GridMatches> matches_;
 };
 
 }  // namespace tessaspaces

@@ -25,12 +25,17 @@ void State::setScreen(const ScreenRef& shownOn, int rows, int columns) {
   grid_.setMenuBarInset(ScreenGeometry::menuBarInset(screen));
   changed();
   keepSelection();
+  keepDrag();
 }
 
 void State::setSnapshot(SpacesSnapshot snapshot) {
   grid_.setSnapshot(std::move(snapshot));
   changed();
   keepSelection();
+  keepDrag();
+}
+
+void State::keepDrag() {
   if (!drag) return;
   if (const auto still = find(drag->fromSpace(), drag->window().id)) {
     drag->update(windowAt(*still));
@@ -50,7 +55,7 @@ const GridLayout& State::layout() const {
   return grid_;
 }
 
-const State::Matches& State::matches() const {
+const GridMatches& State::matches() const {
   if (matches_) return *matches_;
   auto& found = matches_.emplace();
   if (filter.isEmpty()) return found;

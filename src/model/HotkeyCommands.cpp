@@ -93,14 +93,30 @@ bool stepTo(DesktopPlan& plan, GridDirection direction) {
   return true;
 }
 
-bool moveToTarget(const WindowMovePlan& plan) {
+/// Asks for the window of a plan that is ready to be moved; null where the external window manager is to do it, which
+/// takes its time.
+std::shared_ptr<WindowMove> beginMove(const WindowMovePlan& plan) {
+  if (!movesWindowsNatively()) return nullptr;
+  auto move = std::make_shared<WindowMove>(plan.window->id, plan.desktop.target->spaceID);
+  move->start();
+  return move;
+}
+
+bool arrives(const WindowMovePlan& plan, WindowMove* begun) {
   const auto& target = plan.desktop.target;
-  if (!movesWindowsNatively()) return YabaiBridge::moveFocusedWindow(target->spaceID);
-  const auto result = tryMove(plan.window->id, target->spaceID);
+  if (begun == nullptr) return YabaiBridge::moveFocusedWindow(target->spaceID);
+  const auto result = begun->finish();
   if (result != MoveResult::failed) return result == MoveResult::moved;
   // It ignores every request: what is left is what a hand would do.
   const auto& from = plan.desktop.display.snap.desktops[static_cast<std::size_t>(*plan.desktop.fromIndex)];
   return dragAlong(*plan.window, from, target);
+}
+
+bool endMove(const WindowMovePlan& plan, WindowMove* begun) {
+  const bool moved = arrives(plan, begun);
+  Log::info("HOTKEY: move window {} to desktop {} {}", plan.window ? std::to_string(plan.window->id) : "with the focus",
+            plan.desktop.toIndex + 1, moved ? "OK" : "FAILED");
+  return moved;
 }
 
 bool hotkeySwitch(const DesktopPlan& plan, std::optional<GridDirection> direction, SwitchCompletion completion) {
@@ -168,10 +184,7 @@ WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
 }
 
 bool carryOut(const WindowMovePlan& plan) {
-  const bool moved = moveToTarget(plan);
-  Log::info("HOTKEY: move window {} to desktop {} {}", plan.window ? std::to_string(plan.window->id) : "with the focus",
-            plan.desktop.toIndex + 1, moved ? "OK" : "FAILED");
-  return moved;
+  return endMove(plan, beginMove(plan).get());
 }
 
 bool switchToNeighbor(GridDirection direction, SwitchCompletion completion) {
@@ -190,12 +203,15 @@ bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion compl
     Log::warning("HOTKEY: move window — earlier moves are still under way, doing nothing");
     return false;
   }
-  platform().dispatch().background(
-      [plan = std::move(plan), completion = std::move(completion), slot = std::move(slot)]() mutable {
-        const bool moved = carryOut(plan);
-        slot.reset();
-        if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
-      });
+  // The request goes out here and now, which holds up nobody; what comes of it is another thread's to see.
+  auto begun = beginMove(plan);
+  platform().dispatch().background([plan = std::move(plan), begun = std::move(begun),
+                                    completion = std::move(completion), slot = std::move(slot)]() mutable {
+    const bool moved = endMove(plan, begun.get());
+    begun.reset();
+    slot.reset();
+    if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
+  });
   return true;
 }
 

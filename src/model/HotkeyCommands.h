@@ -58,7 +58,8 @@ bool carryOut(const WindowMovePlan& plan);
 bool switchToNeighbor(GridDirection direction, SwitchCompletion completion = {});
 /// `number` counts from 1.
 bool switchToDesktop(int number, SwitchCompletion completion = {});
-/// Carries the focused window to the neighbouring desktop and stays where it is.
+/// Carries the focused window to the neighbouring desktop and stays where it is. The first request has gone out when
+/// this returns, where the system moves windows natively.
 bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion completion = {});
 
 }  // namespace tessaspaces::Spaces

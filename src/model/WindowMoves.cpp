@@ -1,11 +1,10 @@
 #include "model/WindowMoves.h"
 
-#include <array>
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <mutex>
+#include <vector>
 
 #include "bridges/SkyLightBridge.h"
 #include "bridges/YabaiBridge.h"
@@ -38,86 +37,93 @@ LatestMoves& latestMoves() {
   return instance;
 }
 
-class MoveRequest {
- public:
-  explicit MoveRequest(WindowID window) : window_(window) {
-    const std::scoped_lock held(latestMoves().lock);
-    number_ = latestMoves().numbers[window_] = ++latestMoves().last;
-  }
-  ~MoveRequest() {
-    const std::scoped_lock held(latestMoves().lock);
-    const auto latest = latestMoves().numbers.find(window_);
-    if (latest != latestMoves().numbers.end() && latest->second == number_) latestMoves().numbers.erase(latest);
-  }
-  MoveRequest(const MoveRequest&) = delete;
-  MoveRequest& operator=(const MoveRequest&) = delete;
-
-  [[nodiscard]] bool isOver() const {
-    if (platform().dispatch().isEnding()) return true;
-    const std::scoped_lock held(latestMoves().lock);
-    const auto latest = latestMoves().numbers.find(window_);
-    // A later one may even have ended already.
-    return latest == latestMoves().numbers.end() || latest->second != number_;
-  }
-
- private:
-  const WindowID window_;
-  std::uint64_t number_ = 0;
+struct Method {
+  const char* name;
+  void (*ask)(WindowID window, SpaceID toSpace);
 };
 
-struct Attempt {
-  const char* method;
-  std::function<void()> action;
+void askBridged(WindowID window, SpaceID toSpace) {
+  SLS::bridgedMoveWindows({&window, 1}, toSpace);
+}
+
+void askManagedSpace(WindowID window, SpaceID toSpace) {
+  SLS::moveWindowsToManagedSpace({&window, 1}, toSpace);
+}
+
+void askByCompatID(WindowID window, SpaceID toSpace) {
+  const std::scoped_lock held(compatLock);
+  SLS::spaceSetCompatID(toSpace, temporaryCompatID);
+  SLS::setWindowListWorkspace({&window, 1}, temporaryCompatID);
+  SLS::spaceSetCompatID(toSpace, 0);
+}
+
+void askByAddingAndRemoving(WindowID window, SpaceID toSpace) {
+  auto others = workspaces(window);
+  others.erase(toSpace);
+  SLS::addWindowsToSpaces({&window, 1}, {&toSpace, 1});
+  SLS::removeWindowsFromSpaces({&window, 1}, std::vector<SpaceID>(others.begin(), others.end()));
+}
+
+constexpr Method methods[] = {
+    {"SLSBridgedMoveWindowsToManagedSpaceOperation", askBridged},
+    {"SLSMoveWindowsToManagedSpace", askManagedSpace},
+    {"SLSSetWindowListWorkspace (compat ID)", askByCompatID},
+    {"SLSAddWindowsToSpaces+SLSRemoveWindowsFromSpaces", askByAddingAndRemoving},
 };
 
 }  // namespace
 
-MoveResult tryMove(WindowID window, SpaceID toSpace) {
-  const MoveRequest request(window);
-  const std::array<WindowID, 1> windows{window};
-  const std::array<SpaceID, 1> target{toSpace};
-  const std::array<Attempt, 4> attempts{{
-      {"SLSBridgedMoveWindowsToManagedSpaceOperation", [&] { SLS::bridgedMoveWindows(windows, toSpace); }},
-      {"SLSMoveWindowsToManagedSpace", [&] { SLS::moveWindowsToManagedSpace(windows, toSpace); }},
-      {"SLSSetWindowListWorkspace (compat ID)",
-       [&] {
-         const std::scoped_lock held(compatLock);
-         SLS::spaceSetCompatID(toSpace, temporaryCompatID);
-         SLS::setWindowListWorkspace(windows, temporaryCompatID);
-         SLS::spaceSetCompatID(toSpace, 0);
-       }},
-      {"SLSAddWindowsToSpaces+SLSRemoveWindowsFromSpaces",
-       [&] {
-         auto others = workspaces(window);
-         others.erase(toSpace);
-         SLS::addWindowsToSpaces(windows, target);
-         SLS::removeWindowsFromSpaces(windows, std::vector<SpaceID>(others.begin(), others.end()));
-       }},
-  }};
+WindowMove::WindowMove(WindowID window, SpaceID toSpace) : window_(window), toSpace_(toSpace) {
+  const std::scoped_lock held(latestMoves().lock);
+  number_ = latestMoves().numbers[window_] = ++latestMoves().last;
+}
 
-  for (const auto& attempt : attempts) {
-    attempt.action();
+WindowMove::~WindowMove() {
+  const std::scoped_lock held(latestMoves().lock);
+  const auto latest = latestMoves().numbers.find(window_);
+  if (latest != latestMoves().numbers.end() && latest->second == number_) latestMoves().numbers.erase(latest);
+}
+
+bool WindowMove::isOver() const {
+  if (platform().dispatch().isEnding()) return true;
+  const std::scoped_lock held(latestMoves().lock);
+  const auto latest = latestMoves().numbers.find(window_);
+  // A later one may even have ended already.
+  return latest == latestMoves().numbers.end() || latest->second != number_;
+}
+
+void WindowMove::start() {
+  methods[0].ask(window_, toSpace_);
+}
+
+MoveResult WindowMove::finish() {
+  for (const auto& method : methods) {
+    if (&method != &methods[0]) method.ask(window_, toSpace_);
     platform().dispatch().sleep(settleTime);
-    if (request.isOver()) {
-      Log::debug("MOVE: overtaken [{}] -> space {}", window, toSpace);
+    if (isOver()) {
+      Log::debug("MOVE: overtaken [{}] -> space {}", window_, toSpace_);
       return MoveResult::overtaken;
     }
-    if (workspaces(window).contains(toSpace)) {
-      Log::info("MOVE OK [{}] -> space {} VIA {}", window, toSpace, attempt.method);
+    if (workspaces(window_).contains(toSpace_)) {
+      Log::info("MOVE OK [{}] -> space {} VIA {}", window_, toSpace_, method.name);
       return MoveResult::moved;
     }
   }
-  Log::error("MOVE FAILED [{}] -> space {} (likely SIP / newer macOS)", window, toSpace);
+  Log::error("MOVE FAILED [{}] -> space {} (likely SIP / newer macOS)", window_, toSpace_);
   return MoveResult::failed;
 }
 
 bool move(WindowID window, SpaceID toSpace) {
-  return tryMove(window, toSpace) == MoveResult::moved;
+  WindowMove moving(window, toSpace);
+  moving.start();
+  return moving.finish() == MoveResult::moved;
 }
 
 MoveResult tryMoveOtherAppWindow(WindowID window, SpaceID toSpace) {
-  if (movesWindowsNatively()) return tryMove(window, toSpace);
-  return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
+  if (!movesWindowsNatively()) return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
+  WindowMove moving(window, toSpace);
+  moving.start();
+  return moving.finish();
 }
 
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {

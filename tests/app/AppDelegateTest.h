@@ -7,9 +7,9 @@
 
 #include "app/AppDelegate.h"
 #include "app/LaunchWindowController.h"
-#include "app/Text.h"
 #include "settings/Notifications.h"
 #include "support/CoreTest.h"
+#include "ui/Text.h"
 
 namespace tessaspaces {
 

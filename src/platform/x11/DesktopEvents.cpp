@@ -39,6 +39,7 @@ void DesktopEvents::foresee(const xcb_generic_event_t& event) {
              eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
     reader_.rootChanged();
   }
+  if (active_.concerns(event)) reader_.activeChanged();
 }
 
 void DesktopEvents::handle(const xcb_generic_event_t& event) {
@@ -84,6 +85,10 @@ void DesktopEvents::eventsDrained() {
   const bool windows = std::exchange(windowsDirty_, false) || clients;
   reader_.refreshRoot();
   if (clients) watchClients();
+  // Only a window whose events are selected here already: that would undo what following it selects.
+  reader_.refreshActive([this](xcb_window_t window) {
+    return (window == XCB_NONE || watched_.contains(window)) && active_.follow(window);
+  });
   if (spaces) server_.noteVisibleDesktops();
   if (manager) server_.windowManagerChanged.emit();
   if (spaces) server_.spacesChanged.emit();
@@ -100,7 +105,7 @@ void DesktopEvents::watchClients() {
   for (const auto window : items(reply)) {
     clients.insert(window);
     if (watched_.contains(window)) continue;
-    select(connection_.events(), window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    select(connection_.events(), window, active_.maskOf(window));
     selected = true;
   }
   watched_ = std::move(clients);

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "platform/x11/EventPump.h"
+#include "platform/x11/FollowedWindow.h"
 #include "platform/x11/Reader.h"
 #include "platform/x11/X11WindowServer.h"
 
@@ -13,7 +14,7 @@ namespace tessaspaces {
 class DesktopEvents : public EventListener {
  public:
   DesktopEvents(Connection& connection, Reader& reader, X11WindowServer& server, EventPump& pump)
-      : connection_(connection), reader_(reader), server_(server), pump_(pump) {}
+      : connection_(connection), reader_(reader), server_(server), pump_(pump), active_(connection) {}
 
   /// Asks for the events. Main thread.
   void start();
@@ -30,6 +31,7 @@ class DesktopEvents : public EventListener {
   Reader& reader_;
   X11WindowServer& server_;
   EventPump& pump_;
+  FollowedWindow active_;
   xcb_window_t checkWindow_ = XCB_NONE;
   bool managed_ = false;
   std::set<xcb_window_t> watched_;

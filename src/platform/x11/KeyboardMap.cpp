@@ -16,29 +16,49 @@ constexpr std::uint32_t altRight = 0xffea;
 constexpr std::uint32_t metaLeft = 0xffe7;
 constexpr std::uint32_t metaRight = 0xffe8;
 
+std::uint8_t keycodeCount(const xcb_setup_t& setup) {
+  return static_cast<std::uint8_t>(setup.max_keycode - setup.min_keycode + 1);
+}
+
+/// From the server's answers; null where there was none.
+KeyboardMap toMap(xcb_keycode_t first, const Reply<xcb_get_keyboard_mapping_reply_t>& keys,
+                  const Reply<xcb_get_modifier_mapping_reply_t>& modifiers) {
+  KeyboardMap map;
+  map.firstKeycode = first;
+  if (keys) {
+    map.keysymsPerKeycode = keys->keysyms_per_keycode;
+    const auto* keysyms = xcb_get_keyboard_mapping_keysyms(keys.get());
+    map.keysyms.assign(keysyms, keysyms + xcb_get_keyboard_mapping_keysyms_length(keys.get()));
+  }
+  if (modifiers) {
+    const auto* keycodes = xcb_get_modifier_mapping_keycodes(modifiers.get());
+    for (auto& modifier : map.modifiers) {
+      std::copy_if(keycodes, keycodes + modifiers->keycodes_per_modifier, std::back_inserter(modifier),
+                   [](xcb_keycode_t keycode) { return keycode != 0; });
+      keycodes += modifiers->keycodes_per_modifier;
+    }
+  }
+  return map;
+}
+
 }  // namespace
 
 KeyboardMap KeyboardMap::read(Channel& channel) {
   const auto* setup = xcb_get_setup(channel.get());
-  KeyboardMap map;
-  map.firstKeycode = setup->min_keycode;
-  const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-  const auto keysCookie = channel.send<xcb_get_keyboard_mapping>(map.firstKeycode, count);
-  const auto modifiersCookie = channel.send<xcb_get_modifier_mapping>();
-  if (const auto keys = channel.await<xcb_get_keyboard_mapping_reply>(keysCookie)) {
-    map.keysymsPerKeycode = keys->keysyms_per_keycode;
-    const auto* first = xcb_get_keyboard_mapping_keysyms(keys.get());
-    map.keysyms.assign(first, first + xcb_get_keyboard_mapping_keysyms_length(keys.get()));
-  }
-  if (const auto reply = channel.await<xcb_get_modifier_mapping_reply>(modifiersCookie)) {
-    const auto* keycodes = xcb_get_modifier_mapping_keycodes(reply.get());
-    for (auto& modifier : map.modifiers) {
-      std::copy_if(keycodes, keycodes + reply->keycodes_per_modifier, std::back_inserter(modifier),
-                   [](xcb_keycode_t keycode) { return keycode != 0; });
-      keycodes += reply->keycodes_per_modifier;
-    }
-  }
-  return map;
+  const auto keys = channel.send<xcb_get_keyboard_mapping>(setup->min_keycode, keycodeCount(*setup));
+  const auto modifierKeys = channel.send<xcb_get_modifier_mapping>();
+  const auto keysReply = channel.await<xcb_get_keyboard_mapping_reply>(keys);
+  return toMap(setup->min_keycode, keysReply, channel.await<xcb_get_modifier_mapping_reply>(modifierKeys));
+}
+
+KeyboardMap KeyboardMap::read(xcb_connection_t* connection) {
+  const auto* setup = xcb_get_setup(connection);
+  const auto keys = xcb_get_keyboard_mapping(connection, setup->min_keycode, keycodeCount(*setup));
+  const auto modifierKeys = xcb_get_modifier_mapping(connection);
+  const Reply<xcb_get_keyboard_mapping_reply_t> keysReply(xcb_get_keyboard_mapping_reply(connection, keys, nullptr));
+  const Reply<xcb_get_modifier_mapping_reply_t> modifiersReply(
+      xcb_get_modifier_mapping_reply(connection, modifierKeys, nullptr));
+  return toMap(setup->min_keycode, keysReply, modifiersReply);
 }
 
 std::span<const std::uint32_t> KeyboardMap::keysymsOf(xcb_keycode_t keycode) const {

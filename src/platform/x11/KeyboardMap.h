@@ -23,6 +23,8 @@ struct KeyboardMap {
 
   /// One round trip on the event connection.
   static KeyboardMap read(Channel& channel);
+  /// The same on a connection that is not this platform's.
+  static KeyboardMap read(xcb_connection_t* connection);
 
   /// The keycodes on which the product's key lies: those with its keysym unshifted, else the one with it on
   /// the lowest other level (digits on French and Czech keyboards), else the key at its standard place when

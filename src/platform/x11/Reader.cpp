@@ -95,16 +95,27 @@ Reader::Windows Reader::windows(WindowDetail detail) {
 Reader::Active Reader::active() {
   auto* memo = this->memo();
   if (memo != nullptr && memo->active) return *memo->active;
-  Active active;
-  if (const auto window = root(RootDetail::windows)->activeWindow; window != XCB_NONE) {
-    auto& channel = connection_.requests();
-    const auto windowClass = askProperty(channel, window, XCB_ATOM_WM_CLASS, maxClassBytes / 4);
-    auto records = readWindows(connection_, {&window, 1}, WindowDetail::everything);
-    active.windowClass = texts(channel.await<xcb_get_property_reply>(windowClass));
-    if (!records.empty()) active.window = std::move(records.front());
-  }
+  const auto window = root(RootDetail::windows)->activeWindow;
+  const bool known = memo != nullptr && keeping() && keptActive_ && keptActiveWindow_ == window;
+  auto active = known ? *keptActive_ : readActive(window);
   if (memo != nullptr) memo->active = active;
   return active;
+}
+
+Reader::Active Reader::readActive(xcb_window_t window) {
+  Active active;
+  if (window == XCB_NONE) return active;
+  auto& channel = connection_.requests();
+  const auto windowClass = askProperty(channel, window, XCB_ATOM_WM_CLASS, maxClassBytes / 4);
+  auto records = readWindows(connection_, {&window, 1}, WindowDetail::everything);
+  active.windowClass = texts(channel.await<xcb_get_property_reply>(windowClass));
+  if (!records.empty()) active.window = std::move(records.front());
+  return active;
+}
+
+const Reader::Active* Reader::knownActive() const {
+  const bool known = keeping() && kept_ && keptActive_ && keptActiveWindow_ == kept_->activeWindow;
+  return known ? &*keptActive_ : nullptr;
 }
 
 Reader::Root Reader::numbering() {
@@ -127,6 +138,26 @@ void Reader::rootChanged() {
   handedOver_.reset();
 }
 
+void Reader::activeChanged() {
+  if (keeping()) keptActive_.reset();
+}
+
+bool Reader::readsOfActive(const Atoms& atoms, xcb_atom_t property) {
+  return property == XCB_ATOM_WM_CLASS || readsOfWindow(atoms, property);
+}
+
+void Reader::refreshActive(const std::function<bool(xcb_window_t)>& follow) {
+  if (!keeping() || !kept_ || knownActive() != nullptr) return;
+  const auto window = kept_->activeWindow;
+  keptActive_.reset();
+  if (!follow(window)) return;
+  auto active = readActive(window);
+  // One that has gone meanwhile is soon not the active one any more.
+  if (window != XCB_NONE && !active.window) return;
+  keptActiveWindow_ = window;
+  keptActive_ = std::move(active);
+}
+
 void Reader::refreshRoot() {
   if (!keeping() || kept_) return;
   const auto scope = beginRead();
@@ -137,7 +168,10 @@ void Reader::refreshRoot() {
 }
 
 void Reader::stopKeepingRoot() {
-  if (keeping()) kept_.reset();
+  if (keeping()) {
+    kept_.reset();
+    keptActive_.reset();
+  }
   keeper_ = std::thread::id();
 }
 

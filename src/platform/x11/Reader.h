@@ -38,6 +38,9 @@ class Reader {
     std::vector<std::string> windowClass;
   };
   Active active();
+  /// The same as events have kept it right, with no question to the server; null while they have not, and on any other
+  /// thread than theirs. Good until the next event.
+  [[nodiscard]] const Active* knownActive() const;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
   /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
   [[nodiscard]] bool inScope() { return memo() != nullptr; }
@@ -55,8 +58,15 @@ class Reader {
   void keepRoot(std::function<void()> lookAhead);
   /// The events say that one of the root's properties changed.
   void rootChanged();
+  /// The events say that something about the active window changed.
+  void activeChanged();
+  /// Whether this property of the active window counts.
+  [[nodiscard]] static bool readsOfActive(const Atoms& atoms, xcb_atom_t property);
   /// Reads the root anew if it has changed. After a burst of events, so that the next key finds it ready.
   void refreshRoot();
+  /// The same for the active window. `follow` first sees to it that its changes are heard of from then on; where it is
+  /// false they are not, and nothing is kept.
+  void refreshActive(const std::function<bool(xcb_window_t)>& follow);
   void stopKeepingRoot();
   /// Whether this is the thread that follows the events.
   [[nodiscard]] bool keeping() const { return keeper_.load() == std::this_thread::get_id(); }
@@ -66,13 +76,16 @@ class Reader {
   struct Memo;
   Memo* memo();
   static Memo& threadMemo();
+  Active readActive(xcb_window_t window);
 
   Connection& connection_;
   RootReader rootReader_;
 
   std::atomic<std::thread::id> keeper_{};
-  std::function<void()> lookAhead_;  // the keeper's thread only
-  Root kept_;                        // the keeper's thread only; null while it is out of date
+  std::function<void()> lookAhead_;   // the keeper's thread only
+  Root kept_;                         // the keeper's thread only; null while it is out of date
+  std::optional<Active> keptActive_;  // the keeper's thread only; of keptActiveWindow_
+  xcb_window_t keptActiveWindow_ = XCB_NONE;
 
   // What the events' thread has just read for a command serves the thread that carries it out as well: that the
   // command goes over to it costs no question. Once, and for a moment only.

@@ -89,7 +89,9 @@ std::optional<WindowRecord> receive(Connection& connection, xcb_window_t window,
     const auto geometry = channel.await<xcb_get_geometry_reply>(cookies.geometry);
     const auto position = channel.await<xcb_translate_coordinates_reply>(cookies.position);
     record.layer = layerOf(atoms, items(await(cookies.type)));
-    record.hidden = contains(items(await(cookies.state)), atoms.netWmStateHidden);
+    const auto states = await(cookies.state);
+    record.hidden = contains(items(states), atoms.netWmStateHidden);
+    record.sticky = contains(items(states), atoms.netWmStateSticky);
     const auto extents = await(cookies.extents);
     record.title = text(await(cookies.name));
     record.pid = receiveOwner(connection, window, cookies.owner);
@@ -129,6 +131,12 @@ std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xc
     for (const auto& [record, cookie] : untitled) record->title = text(channel.await<xcb_get_property_reply>(cookie));
   }
   return records;
+}
+
+bool readsOfWindow(const Atoms& atoms, xcb_atom_t property) {
+  const xcb_atom_t looked[] = {atoms.netWmDesktop, atoms.netWmWindowType, atoms.netWmState, atoms.netFrameExtents,
+                               atoms.netWmName,    XCB_ATOM_WM_NAME,      atoms.netWmPid,   XCB_ATOM_WM_CLIENT_MACHINE};
+  return contains(looked, property);
 }
 
 std::vector<xcb_window_t> findClients(Connection& connection) {

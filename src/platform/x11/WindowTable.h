@@ -25,6 +25,8 @@ struct WindowRecord {
   // Only with WindowDetail::everything.
   int layer = 0;
   bool hidden = false;
+  /// Has the state that keeps it on every desktop of some window managers, wherever it is sent.
+  bool sticky = false;
   /// As `receiveOwner` gives it.
   std::optional<std::int32_t> pid;
   std::optional<std::string> title;
@@ -49,6 +51,9 @@ constexpr int notification = 102;
 /// listed again. Any thread.
 [[nodiscard]] std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> listed,
                                                     WindowDetail detail);
+
+/// Whether the reading with everything looks at this property of a window.
+[[nodiscard]] bool readsOfWindow(const Atoms& atoms, xcb_atom_t property);
 
 /// Without a client list: the windows that carry WM_STATE, front to back, looking inside frames.
 [[nodiscard]] std::vector<xcb_window_t> findClients(Connection& connection);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <set>
+#include <utility>
 
 #include "base/Overloaded.h"
 #include "platform/x11/DragHabits.h"
@@ -259,21 +260,26 @@ bool X11WindowServer::move(std::span<const WindowID> windows, SpaceID space) {
   if (!root->managed() || !desktop) return false;
   const auto& atoms = connection_.atoms();
   auto& channel = connection_.requests();
-  std::vector<xcb_get_property_cookie_t> states;
+  std::vector<std::pair<xcb_window_t, xcb_get_property_cookie_t>> states;
   for (const auto window : windows) {
     connection_.sendToRoot(window, atoms.netWmDesktop, {*desktop, fromPager});
-    states.push_back(askProperty(channel, window, atoms.netWmState));
+    if (!isKnownNotSticky(window)) states.emplace_back(window, askProperty(channel, window, atoms.netWmState));
   }
   // i3 keeps a window on every desktop that has this state, wherever it is sent. Looked at when the window is on its
   // way: hardly any has it, and to take it away from all would hold up each.
-  for (std::size_t i = 0; i < windows.size(); ++i) {
-    const auto reply = channel.await<xcb_get_property_reply>(states[i]);
+  for (const auto& [window, cookie] : states) {
+    const auto reply = channel.await<xcb_get_property_reply>(cookie);
     const auto state = items(reply);
     if (std::find(state.begin(), state.end(), atoms.netWmStateSticky) == state.end()) continue;
-    connection_.sendToRoot(windows[i], atoms.netWmState, {removeState, atoms.netWmStateSticky, 0, fromPager});
-    connection_.sendToRoot(windows[i], atoms.netWmDesktop, {*desktop, fromPager});
+    connection_.sendToRoot(window, atoms.netWmState, {removeState, atoms.netWmStateSticky, 0, fromPager});
+    connection_.sendToRoot(window, atoms.netWmDesktop, {*desktop, fromPager});
   }
   return true;
+}
+
+bool X11WindowServer::isKnownNotSticky(xcb_window_t window) {
+  const auto* active = reader_.knownActive();
+  return active != nullptr && active->window && active->window->window == window && !active->window->sticky;
 }
 
 }  // namespace tessaspaces

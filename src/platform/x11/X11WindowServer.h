@@ -84,6 +84,7 @@ class X11WindowServer : public WindowServer {
   std::optional<PixelRect> countableArea(std::string_view display);
   bool switchTo(std::string_view display, SpaceID space);
   bool move(std::span<const WindowID> windows, SpaceID space);
+  bool isKnownNotSticky(xcb_window_t window);
 
   Connection& connection_;
   Reader& reader_;

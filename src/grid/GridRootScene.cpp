@@ -100,11 +100,7 @@ Look State::lookOf(GridLayout::WindowHit at, const GridTarget& under) const {
 }
 
 std::optional<int> State::dropTile() const {
-  if (drag) {
-    // Beyond the panel another one may have the tile.
-    if (drag->isOutside()) return std::nullopt;
-    return layout().hitTestTile(drag->pointer());
-  }
+  if (drag) return layout().hitTestTile(drag->pointer());
   if (!externalHover) return std::nullopt;
   return layout().hitTestTile(rootPoint(*externalHover));
 }

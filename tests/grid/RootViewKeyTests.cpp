@@ -48,6 +48,11 @@ TEST_F(RootViewTest, ArrowsMoveTheSelection) {
     EXPECT_EQ(selection(), c.selected) << c.desktops << " " << c.keys;
   }
   EXPECT_THAT(owner.take(), IsEmpty());
+  Settings::setCirculateVertically(true);
+  show(1);
+  view->setCanAdd(true);
+  keys(">^");
+  EXPECT_EQ(selection(), 99U) << "alone in its column";
 }
 
 TEST_F(RootViewTest, TheSelectionIsShownToThoseWhoUseIt) {
@@ -179,6 +184,8 @@ TEST_F(RootViewFilterTest, AFilterTypedElsewhereCountsHereToo) {
   EXPECT_THAT(owner.take(), IsEmpty());
   EXPECT_EQ(view->bestMatch()->rank, 1);
   EXPECT_EQ(window(3, 9).look, Look::best);
+  view->setFilter("editor");
+  EXPECT_EQ(view->bestMatch()->window.id, 7U) << "of equals the first";
   view->setFilter("nobody");
   EXPECT_FALSE(view->bestMatch());
   EXPECT_EQ(view->scene().hint, "No such window · Esc ends the search");

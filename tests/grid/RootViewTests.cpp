@@ -83,6 +83,7 @@ TEST_F(RootViewTest, WhatIsUnderThePointerIsMarked) {
 TEST_F(RootViewTest, APreviewFollowsThePointerAndIsDropped) {
   show(4);
   addWindow(1, 7, small);
+  addWindow(2, 7, small);
   addWindow(1, 8, {2500, 600, 100, 100});
   const auto home = window(1, 7).rect;
   const Point grip{home.x + 3, home.y + 20};
@@ -95,6 +96,7 @@ TEST_F(RootViewTest, APreviewFollowsThePointerAndIsDropped) {
   EXPECT_TRUE(view->isDragging());
   EXPECT_EQ(window(1, 7).look, Look::lifted);
   EXPECT_EQ(window(1, 7).rect, home);
+  EXPECT_EQ(window(2, 7).look, Look::plain) << "a window on several desktops is taken from one";
   const auto carried = view->scene().carried->window;
   EXPECT_EQ(carried.rect, (Rect{target.x - 3, target.y - 20, home.width, home.height}));
   EXPECT_EQ(carried.look, Look::plain);
@@ -241,7 +243,9 @@ TEST_F(RootViewTest, ThePlusIsWhereThereIsRoom) {
   view->pointerMoved(view->scene().plus->rect.center());
   EXPECT_TRUE(view->scene().plus->hovered);
 
-  // Two tiles side by side leave nothing but the margin.
+  // Two tiles side by side leave nothing but the margin, whether or not another row could follow.
+  show(2);
+  EXPECT_EQ(view->scene().plus->rect.width, 28);
   const auto screen = sim->screens().screens()[1];
   view->setScreen(screen, 1, 2);
   EXPECT_EQ(view->scene().plus->rect, (Rect{1920 - 18 - 28, 8, 28, 28}));

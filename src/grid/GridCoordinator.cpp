@@ -28,6 +28,21 @@ GridCoordinator::~GridCoordinator() {
   self_.reset();
 }
 
+std::vector<ScreenRef> GridCoordinator::panelScreens(const ScreenRef& preferred) {
+  const auto setOf = [](const Screen& screen) { return screen.mirrors != 0 ? screen.mirrors : *screen.displayID; };
+  std::vector<ScreenRef> screens;
+  for (const auto& screen : Spaces::distinctScreens()) {
+    const auto same = std::find_if(screens.begin(), screens.end(),
+                                   [&](const ScreenRef& other) { return setOf(*other) == setOf(*screen); });
+    if (same == screens.end()) {
+      screens.push_back(screen);
+    } else if (preferred && preferred->displayID == screen->displayID) {
+      *same = screen;
+    }
+  }
+  return screens;
+}
+
 std::map<DisplayID, Rect> GridCoordinator::currentDisplayLayout() {
   std::map<DisplayID, Rect> layout;
   for (const auto& screen : platform().screens().screens()) {
@@ -96,7 +111,7 @@ void GridCoordinator::prepare() {
   {
     const auto reading = platform().windowServer().beginRead();
     contents_->prepare();
-    for (const auto& screen : Spaces::distinctScreens()) {
+    for (const auto& screen : panelScreens()) {
       if (const auto panel = controller(screen)) panel->prepare(screen);
     }
   }
@@ -111,9 +126,10 @@ void GridCoordinator::fitPreviews() {
 }
 
 void GridCoordinator::show(const ScreenRef& focusedOn) {
-  const auto screens = Spaces::distinctScreens();
+  const auto preferred = Spaces::canonicalScreen(focusedOn);
+  const auto screens = panelScreens(preferred);
   if (screens.empty()) return;
-  const auto wanted = Spaces::directDisplayID(Spaces::canonicalScreen(focusedOn));
+  const auto wanted = Spaces::directDisplayID(preferred);
   const auto found = std::find_if(screens.begin(), screens.end(), [&](const ScreenRef& screen) {
     return wanted && Spaces::directDisplayID(screen) == wanted;
   });
@@ -212,7 +228,8 @@ void GridCoordinator::dragAcrossDisplays(const GridPanelController& source, std:
 
 void GridCoordinator::passKeyboard(GridPanelController& from, bool backwards) {
   const auto panels = visiblePanels();
-  const auto found = std::find_if(panels.begin(), panels.end(), [&](const auto& panel) { return panel.get() == &from; });
+  const auto found =
+      std::find_if(panels.begin(), panels.end(), [&](const auto& panel) { return panel.get() == &from; });
   if (found == panels.end() || panels.size() < 2) return;
   const auto position = static_cast<std::size_t>(found - panels.begin());
   const auto step = backwards ? panels.size() - 1 : 1;

@@ -49,10 +49,14 @@ class GridCoordinator {
 
   /// The visible panels, in the order of their screens.
   [[nodiscard]] std::vector<std::shared_ptr<GridPanelController>> visiblePanels() const;
+  /// How many panels an opening has.
+  [[nodiscard]] static std::size_t panelCount() { return panelScreens().size(); }
 
  private:
   using Panel = std::shared_ptr<GridPanelController>;
 
+  /// The distinct screens; of two that mirror each other, neither built in, the preferred one or else the first.
+  static std::vector<ScreenRef> panelScreens(const ScreenRef& preferred = nullptr);
   static std::map<DisplayID, Rect> currentDisplayLayout();
   /// Null for a screen without a display number.
   Panel controller(const ScreenRef& screen);

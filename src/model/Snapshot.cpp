@@ -169,6 +169,7 @@ void forgetEverything() {
     caches().lastKnownCurrentDesktopKey.clear();
     caches().thumbnailCache.clear();
     caches().iconCache.clear();
+    caches().iconlessUntil.clear();
   }
   const std::scoped_lock held(activeSpaces().activeSpaceLock);
   activeSpaces().lastKnownActiveSpaceID.clear();

@@ -1,8 +1,18 @@
 #include "model/SnapshotCaches.h"
 
+#include <chrono>
+
 #include "platform/Platform.h"
 
 namespace tessaspaces::Spaces {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// An application may set its icon some time after its first window.
+constexpr Duration iconlessTime = 10s;
+
+}  // namespace
 
 SnapshotCaches& caches() {
   static SnapshotCaches instance;
@@ -16,14 +26,19 @@ ImageRef SnapshotCaches::thumbnail(WindowID window) {
 }
 
 ImageRef SnapshotCaches::icon(std::int32_t pid) {
+  const auto now = platform().dispatch().now();
   {
     const std::scoped_lock held(lock);
     if (const auto found = iconCache.find(pid); found != iconCache.end()) return found->second;
+    if (const auto found = iconlessUntil.find(pid); found != iconlessUntil.end() && now < found->second) return nullptr;
   }
   auto icon = platform().applications().icon(pid);
+  const std::scoped_lock held(lock);
   if (icon) {
-    const std::scoped_lock held(lock);
     iconCache[pid] = icon;
+    iconlessUntil.erase(pid);
+  } else {
+    iconlessUntil[pid] = now + iconlessTime;
   }
   return icon;
 }
@@ -32,6 +47,7 @@ void SnapshotCaches::prune(const std::set<WindowID>& windows, const std::set<std
   const std::scoped_lock held(lock);
   std::erase_if(thumbnailCache, [&](const auto& entry) { return !windows.contains(entry.first); });
   std::erase_if(iconCache, [&](const auto& entry) { return !pids.contains(entry.first); });
+  std::erase_if(iconlessUntil, [&](const auto& entry) { return !pids.contains(entry.first); });
 }
 
 }  // namespace tessaspaces::Spaces

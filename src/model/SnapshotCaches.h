@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/Image.h"
+#include "platform/Dispatch.h"
 #include "platform/WindowServer.h"
 
 /// What the desktop model keeps between two snapshots. Internal to the model.
@@ -19,9 +20,12 @@ struct SnapshotCaches {
   std::map<std::string, std::string> lastKnownCurrentDesktopKey;
   std::map<WindowID, ImageRef> thumbnailCache;
   std::map<std::int32_t, ImageRef> iconCache;
+  /// When to ask again for the icon of an application that had none.
+  std::map<std::int32_t, TimePoint> iconlessUntil;
 
   ImageRef thumbnail(WindowID window);
-  /// The application's icon, asked of the platform when it is not known yet; null when it has none.
+  /// The application's icon, asked of the platform when it is not known yet; null when it has none. One without is
+  /// asked again only after a while: there is a question for each of its windows.
   ImageRef icon(std::int32_t pid);
   /// Keeps only what belongs to these windows and processes.
   void prune(const std::set<WindowID>& windows, const std::set<std::int32_t>& pids);

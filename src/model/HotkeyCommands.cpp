@@ -158,6 +158,7 @@ DesktopPlan planSwitchToDesktop(int number) {
 }
 
 WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
+  const auto reading = beginCommand();
   WindowMovePlan plan{planFromCurrent(), std::nullopt};
   if (plan.desktop.outcome != CommandOutcome::ready) return plan;
   if (!stepTo(plan.desktop, direction)) {
@@ -184,7 +185,9 @@ WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
 }
 
 bool carryOut(const WindowMovePlan& plan) {
-  return endMove(plan, beginMove(plan).get());
+  const auto begun = beginMove(plan);
+  if (begun) platform().dispatch().sleep(WindowMove::settleTime);
+  return endMove(plan, begun.get());
 }
 
 bool switchToNeighbor(GridDirection direction, SwitchCompletion completion) {
@@ -203,15 +206,19 @@ bool moveFocusedWindowToNeighbor(GridDirection direction, SwitchCompletion compl
     Log::warning("HOTKEY: move window — earlier moves are still under way, doing nothing");
     return false;
   }
-  // The request goes out here and now, which holds up nobody; what comes of it is another thread's to see.
+  // The request goes out here and now, which holds up nobody; what comes of it is another thread's to see. That is not
+  // woken before there is something to look at: it would take the processor from those who do the move.
   auto begun = beginMove(plan);
-  platform().dispatch().background([plan = std::move(plan), begun = std::move(begun),
-                                    completion = std::move(completion), slot = std::move(slot)]() mutable {
+  const auto delay = begun ? WindowMove::settleTime : Duration::zero();
+  auto rest = [plan = std::move(plan), begun = std::move(begun), completion = std::move(completion),
+               slot = std::move(slot)]() mutable {
     const bool moved = endMove(plan, begun.get());
     begun.reset();
     slot.reset();
     if (completion) platform().dispatch().async([completion, moved] { completion(moved); });
-  });
+  };
+  platform().dispatch().after(
+      delay, [rest = std::move(rest)]() mutable { platform().dispatch().background(std::move(rest)); });
   return true;
 }
 

@@ -1,6 +1,5 @@
 #include "model/WindowMoves.h"
 
-#include <chrono>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -15,10 +14,6 @@
 namespace tessaspaces::Spaces {
 namespace {
 
-using namespace std::chrono_literals;
-
-/// How long a window may take to arrive before the next method is tried.
-constexpr Duration settleTime = 180ms;
 /// The marker that the window server's older move call finds the target space by; the value is fixed.
 constexpr std::int32_t temporaryCompatID = 0x79616265;
 
@@ -98,8 +93,10 @@ void WindowMove::start() {
 
 MoveResult WindowMove::finish() {
   for (const auto& method : methods) {
-    if (&method != &methods[0]) method.ask(window_, toSpace_);
-    platform().dispatch().sleep(settleTime);
+    if (&method != &methods[0]) {
+      method.ask(window_, toSpace_);
+      platform().dispatch().sleep(settleTime);
+    }
     if (isOver()) {
       Log::debug("MOVE: overtaken [{}] -> space {}", window_, toSpace_);
       return MoveResult::overtaken;
@@ -116,6 +113,7 @@ MoveResult WindowMove::finish() {
 bool move(WindowID window, SpaceID toSpace) {
   WindowMove moving(window, toSpace);
   moving.start();
+  platform().dispatch().sleep(WindowMove::settleTime);
   return moving.finish() == MoveResult::moved;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
+#include "platform/Dispatch.h"
 #include "platform/WindowServer.h"
 
 namespace tessaspaces::Spaces {
@@ -21,10 +23,13 @@ class WindowMove {
   WindowMove(const WindowMove&) = delete;
   WindowMove& operator=(const WindowMove&) = delete;
 
+  /// How long a window may take to arrive before anybody looks.
+  static constexpr Duration settleTime = std::chrono::milliseconds(180);
+
   /// Makes the first request, which nearly always is enough, and does not wait for the window. Once; any thread.
   void start();
-  /// Looks what came of it, and makes the other requests as far as they are needed. Blocks for up to 0.72 s, so it
-  /// belongs off the main thread. Once, after `start`.
+  /// Looks what came of it, and makes the other requests as far as they are needed: `settleTime` after `start`, once.
+  /// Blocks for up to 0.54 s, so it belongs off the main thread.
   MoveResult finish();
 
  private:
@@ -35,7 +40,8 @@ class WindowMove {
   std::uint64_t number_ = 0;
 };
 
-/// Such a move from beginning to end: true when the window ended up on the desktop. Blocks like `finish`.
+/// Such a move from beginning to end: true when the window ended up on the desktop. Blocks for up to 0.72 s, off the
+/// main thread.
 bool move(WindowID window, SpaceID toSpace);
 
 /// The same for a window of another application by whatever way this system has: where windows cannot be moved

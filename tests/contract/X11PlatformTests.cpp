@@ -147,6 +147,28 @@ TEST_P(X11Contract, AReadingWaitsForTheServerAFewTimesHoweverManyWindowsThereAre
   EXPECT_LE(elsewhere, 3U) << "without the events";
 }
 
+TEST_P(X11Contract, TheFocusedWindowIsKnownAndMovedWithoutAWait) {
+  start();
+  const auto first = driver->open({.title = "first", .pid = 5001});
+  const auto second = driver->open({.title = "second", .pid = 5002});
+  const auto all = spaces();
+  for (const auto& [window, pid] : {std::pair{first, 5001}, std::pair{second, 5002}}) {
+    driver->focus(window);
+    std::uint64_t before = 0;
+    // The events of the focus come in first, and what the window manager still does about it.
+    EXPECT_TRUE(driver->until([&, wanted = window, owner = pid] {
+      before = x11().roundTrips();
+      const auto reading = server().beginRead();
+      const auto front = platform().applications().frontmost();
+      const auto known = platform().windowList().frontWindow(owner);
+      return front && front->pid == owner && known && known->number == wanted && x11().roundTrips() == before;
+    })) << pid;
+    EXPECT_TRUE(server().performBridged(MoveWindowsToSpace{{window}, all[2]}));
+    EXPECT_EQ(x11().roundTrips(), before) << pid;
+    EXPECT_TRUE(driver->until([&, moved = window] { return spacesOf(moved) == std::vector{all[2]}; })) << pid;
+  }
+}
+
 TEST_P(X11Contract, TheTouchpadSaysHowItScrolls) {
   start();
   InputSettings settings;

@@ -92,8 +92,14 @@ TEST_F(Commands, CarryTheFocusedWindowAndStay) {
   const WindowID mail = Spaces::ids(1).at(1);
   world().focusWindow(mail);
   const std::string id = std::to_string(mail);
-  EXPECT_THAT(run([] { return Spaces::moveFocusedWindowToNeighbor(right); }),
-              ElementsAre("[INFO] HOTKEY: move window " + id + " to desktop 2 OK"));
+  const auto move = [this] {
+    const auto before = platform().dispatch().now();
+    const bool accepted = Spaces::moveFocusedWindowToNeighbor(right);
+    EXPECT_TRUE(world().asked(Operation::bridgedMoveWindows)) << "at once";
+    EXPECT_EQ(platform().dispatch().now(), before) << "the caller does not wait for the window";
+    return accepted;
+  };
+  EXPECT_THAT(run(move), ElementsAre("[INFO] HOTKEY: move window " + id + " to desktop 2 OK"));
   EXPECT_THAT(world().spacesOf(mail), ElementsAre(2u));
   EXPECT_EQ(current(), 1u);
 

@@ -186,23 +186,27 @@ void X11HotKeys::grabAgain(KeyboardMap map) {
 }
 
 void X11HotKeys::pressed(const xcb_key_press_event_t& event) {
-  // The passive grab has become a grab of the whole keyboard, which would last until the key is released
-  // and keep the overview from taking the keyboard itself. Not now: everybody hears of a grab's end, and the
-  // window manager would be busy with that when the switch arrives.
-  pump_.after(ungrabDelay, [this, time = event.time] {
-    connection_.events().send<xcb_ungrab_keyboard>(time);
-    pump_.flush();
-  });
   const Key key{event.detail, static_cast<std::uint16_t>(event.state & significant_)};
-  for (const auto& [handle, hotKey] : registered_) {
-    if (std::find(hotKey.keys.begin(), hotKey.keys.end(), key) == hotKey.keys.end()) continue;
-    const auto id = hotKey.id;  // the handler may unregister
+  const auto pressed = std::find_if(registered_.begin(), registered_.end(), [&](const auto& entry) {
+    const auto& keys = entry.second.keys;
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+  });
+  if (pressed != registered_.end()) {
+    const auto id = pressed->second.id;  // the handler may unregister
     // Around what the handler queues, for which another press may already be waiting in the same burst.
     pump_.later([this, at = PixelPoint{event.root_x, event.root_y}] { screens_.setPressPosition(at); });
     if (handler_) handler_(id);
-    pump_.later([this] { screens_.setPressPosition(std::nullopt); });
-    return;
   }
+  // The passive grab has become a grab of the whole keyboard, which would last until the key is released
+  // and keep the overview from taking the keyboard itself. Not now: everybody hears of a grab's end, and the
+  // window manager would be busy with that when the switch arrives.
+  pump_.later([this, time = event.time] {
+    screens_.setPressPosition(std::nullopt);
+    pump_.after(ungrabDelay, [this, time] {
+      connection_.events().send<xcb_ungrab_keyboard>(time);
+      pump_.flush();
+    });
+  });
 }
 
 }  // namespace tessaspaces

@@ -76,6 +76,7 @@ void AppDelegate::becomeReady() {
     // Only now: the emission that made the program ready must not register the keys once more.
     guard->observeWindowManager();
     guard->advertiseGrid();
+    if (guard->grid_) guard->grid_->prepare();
   });
 }
 

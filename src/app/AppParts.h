@@ -23,6 +23,8 @@ class OverviewGrid {
   virtual void toggleGridView() = 0;
   /// Takes in changed settings.
   virtual void reload() = 0;
+  /// The program is ready and its keys work: the first opening may be prepared. Returns at once.
+  virtual void prepare() {}
 };
 
 class SettingsWindow {

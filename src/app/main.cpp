@@ -11,6 +11,7 @@
 #include "app/AppDelegate.h"
 #include "app/Icons.h"
 #include "app/Options.h"
+#include "app/Overview.h"
 #include "app/PlatformChoice.h"
 #include "app/QtDispatch.h"
 #include "app/ReopenService.h"
@@ -40,8 +41,34 @@ std::string runningCopyName() {
   return "tessa⊞spaces";
 }
 
-/// Everything that needs the Qt application. `first`: no other copy is running.
-int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool first) {
+/// Opens the overview, says how it is, and ends.
+int testGrid() {
+  Overview overview;
+  int status = EXIT_FAILURE;
+  platform().dispatch().async([&] {
+    overview.test([&](const GridSelfTestReport& report) {
+      std::printf("%s\n", report.text.c_str());
+      std::fflush(stdout);
+      status = report.failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+      QCoreApplication::exit(status);
+    });
+  });
+  return QApplication::exec();
+}
+
+/// The program as it is every day, until it is quit.
+int runResident() {
+  const TerminationSignals signals([] { QCoreApplication::exit(EXIT_SUCCESS); });
+  AppDelegate delegate({.makeGrid = [] { return std::make_unique<Overview>(); }});
+  delegate.applicationDidFinishLaunching();
+  return QApplication::exec();
+}
+
+/// What a process of this program does.
+enum class Role { resident, secondCopy, gridTest };
+
+/// Everything that needs the Qt application.
+int runWithQt(QApplication& application, const ChosenPlatform& chosen, Role role) {
   QApplication::setQuitOnLastWindowClosed(false);
   auto dispatch = std::make_unique<QtDispatch>();
   QtDispatch& queue = *dispatch;
@@ -52,14 +79,14 @@ int runWithQt(QApplication& application, const ChosenPlatform& chosen, bool firs
   setPlatform(system.get());
 
   int status = EXIT_SUCCESS;
-  if (first) {
-    const TerminationSignals signals([] { QCoreApplication::exit(EXIT_SUCCESS); });
-    AppDelegate delegate;
-    delegate.applicationDidFinishLaunching();
-    status = QApplication::exec();
-  } else {
-    ReopenService::notifyRunningCopy();
-    Alerts::infoAndWait(localized("app.alreadyRunning.title", runningCopyName()), localized("app.alreadyRunning.body"));
+  switch (role) {
+    case Role::resident: status = runResident(); break;
+    case Role::gridTest: status = testGrid(); break;
+    case Role::secondCopy:
+      ReopenService::notifyRunningCopy();
+      Alerts::infoAndWait(localized("app.alreadyRunning.title", runningCopyName()),
+                          localized("app.alreadyRunning.body"));
+      break;
   }
   SessionBus::abandon();
   queue.close();
@@ -78,16 +105,20 @@ int run(int argc, char** argv) {
   switch (options->task) {
     case Options::Task::showVersion: std::puts("tessaspaces " TESSASPACES_VERSION); return EXIT_SUCCESS;
     case Options::Task::showHelp: std::fputs(helpText().data(), stdout); return EXIT_SUCCESS;
-    case Options::Task::run: break;
+    case Options::Task::run:
+    case Options::Task::testGrid: break;
   }
 
-  const bool first = SingleInstanceGuard::acquire();
-  if (!first) {
+  Role role = Role::resident;
+  if (options->task == Options::Task::testGrid) {
+    role = Role::gridTest;
+  } else if (!SingleInstanceGuard::acquire()) {
+    role = Role::secondCopy;
     std::fputs("tessaspaces: another instance is already running; quit it before starting a new one.\n", stderr);
   }
   auto chosen = choosePlatform(options->platform, error);
-  if (!chosen) return first ? fail(error) : EXIT_SUCCESS;
-  if (first) Log::takeReports();
+  if (!chosen) return role == Role::secondCopy ? EXIT_SUCCESS : fail(error);
+  if (role != Role::secondCopy) Log::takeReports();
 
   SessionBus::prepareEnvironment();
   // Qt's own loop wakes up with less ado than GLib's, and this program needs nothing of GLib.
@@ -107,7 +138,7 @@ int run(int argc, char** argv) {
   QApplication application(count, arguments.data());
   chosen->probe.reset();
   QApplication::setWindowIcon(Icons::application());
-  return runWithQt(application, *chosen, first);
+  return runWithQt(application, *chosen, role);
 }
 
 }  // namespace

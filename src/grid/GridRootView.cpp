@@ -8,6 +8,18 @@
 #include "grid/ScreenGeometry.h"
 
 namespace tessaspaces {
+namespace {
+
+/// Windows that were drawn apart may touch: each is drawn a little smaller than its room, in its own proportions.
+Rect withAir(const Rect& room) {
+  constexpr double air = 5;
+  const double scale = std::max(0.8, 1 - air / std::max({room.width, room.height, 1.0}));
+  const Size size{room.width * scale, room.height * scale};
+  return {room.center().x - size.width / 2, room.center().y - size.height / 2, size.width, size.height};
+}
+
+}  // namespace
+
 
 using State = GridRootState;
 
@@ -127,7 +139,8 @@ Rect State::previewRect(GridLayout::WindowHit at) const {
   const auto& rects = layout().thumbRects()[static_cast<std::size_t>(at.tile)];
   const auto index = static_cast<std::size_t>(at.window);
   // None at all where the desktop's screen is unknown.
-  return index < rects.size() ? rects[index] : Rect{};
+  if (index >= rects.size()) return {};
+  return layout().explodedTiles().contains(at.tile) ? withAir(rects[index]) : rects[index];
 }
 
 std::string State::applicationOf(const SpaceWindow& window) const {

@@ -145,7 +145,7 @@ void byKeyboard(Session& session, Witness& witness, Tour& tour, xcb_window_t win
   session.keyboard.press(directKey(1));
   session.probe.waitForDesktop(0);
   tour.open();
-  session.keyboard.type("travelling");
+  session.keyboard.type("companion");
   tour.settle();
   witness.picture("filter");
   session.keyboard.strike(keys::enter);

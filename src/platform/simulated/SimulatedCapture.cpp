@@ -136,7 +136,9 @@ Wallpaper SimulatedCapture::wallpaper(std::string_view display, SpaceID space, i
     const auto found = wallpapers_.find({name, each});
     if (found == wallpapers_.end()) continue;
     if (const auto* painted = std::get_if<PaintedWallpaper>(&found->second)) {
-      return PaintedWallpaper{scaled(painted->image, longestSide)};
+      auto& known = scaledWallpapers_[{painted->image, longestSide}];
+      if (!known) known = scaled(painted->image, longestSide);
+      return PaintedWallpaper{known};
     }
     return found->second;
   }
@@ -161,6 +163,7 @@ void SimulatedCapture::draw(WindowID window, ImageRef content) {
 
 void SimulatedCapture::setWallpaper(const std::string& display, SpaceID space, Wallpaper wallpaper) {
   wallpapers_[{display, space}] = std::move(wallpaper);
+  scaledWallpapers_.clear();
   if (!begun_) return;
   dispatch_.async([this] { wallpaperChanged.emit(); });
 }

@@ -53,6 +53,7 @@ class SimulatedCapture final : public WindowCapture {
   std::map<WindowID, ImageRef> drawn_;
   std::set<WindowID> news_;
   std::map<std::pair<std::string, SpaceID>, Wallpaper> wallpapers_;
+  std::map<std::pair<ImageRef, int>, ImageRef> scaledWallpapers_;  // by the original and the longest side
   std::map<std::string, ImageRef, std::less<>> screens_;
 };
 

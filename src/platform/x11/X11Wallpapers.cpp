@@ -56,6 +56,8 @@ ImageRef X11Wallpapers::painted(const PixelRect& area, int longestSide) {
   auto pixmap = firstItem(channel.await<xcb_get_property_reply>(rootCookie)).value_or(XCB_NONE);
   const auto esetroot = firstItem(channel.await<xcb_get_property_reply>(esetrootCookie)).value_or(XCB_NONE);
   if (pixmap == XCB_NONE) pixmap = esetroot;
+  // That there is none holds until the properties change, too.
+  auto& known = painted_[key];
   if (pixmap == XCB_NONE) return nullptr;
   // Programs leave the number behind when their pixmap goes with them.
   const auto geometry = channel.await<xcb_get_geometry_reply>(channel.send<xcb_get_geometry>(pixmap));
@@ -70,7 +72,7 @@ ImageRef X11Wallpapers::painted(const PixelRect& area, int longestSide) {
   PictureBatch batch(link_, memory_);
   batch.add(source, fitted({area.width, area.height}, longestSide));
   batch.send();
-  return painted_[key] = batch.receive().front();
+  return known = batch.receive().front();
 }
 
 }  // namespace tessaspaces

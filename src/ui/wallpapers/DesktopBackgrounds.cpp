@@ -83,9 +83,8 @@ DesktopBackgrounds::DesktopBackgrounds(std::filesystem::path cacheFolder)
       rendered_(work_, [this] { changeSoon(); }) {
   wallpaperChanged_ = platform().windowCapture().wallpaperChanged.connect([this] { wallpaperChanged(); });
   screensChanged_ = platform().screens().changed.connect([this] { lookSoon(); });
-  work_.add([this, cache = cache_]() -> SerialWork::Report {
-    return [this, cached = cache.read()] { takeCached(cached); };
-  });
+  work_.add(
+      [this, cache = cache_]() -> SerialWork::Report { return [this, cached = cache.read()] { takeCached(cached); }; });
 }
 
 DesktopBackgrounds::~DesktopBackgrounds() = default;

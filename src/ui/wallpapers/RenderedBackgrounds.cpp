@@ -20,9 +20,8 @@ const PaintedBackground* RenderedBackgrounds::find(const BackgroundSource& sourc
       other = &entry;
     }
   }
-  const bool asked = std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-    return entry.pixels == pixels && entry.source == source;
-  });
+  const bool asked = std::any_of(entries_.begin(), entries_.end(),
+                                 [&](const Entry& entry) { return entry.pixels == pixels && entry.source == source; });
   if (!asked) {
     entries_.push_back({source, pixels, std::nullopt, std::nullopt, generation_});
     render(entries_.back());
@@ -47,9 +46,8 @@ void RenderedBackgrounds::render(const Entry& entry) {
 
 void RenderedBackgrounds::finished(const BackgroundSource& source, ImageSize pixels, const Rendering& rendering) {
   if (source.file) complain(source.file->path, rendering.background.complaint);
-  const auto entry = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) {
-    return each.pixels == pixels && each.source == source;
-  });
+  const auto entry = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& each) { return each.pixels == pixels && each.source == source; });
   if (entry == entries_.end()) return;
   entry->background = rendering.background;
   entry->stamp = rendering.stamp;

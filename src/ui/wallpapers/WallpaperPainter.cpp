@@ -113,7 +113,9 @@ class PictureFile {
   [[nodiscard]] std::string reason() const { return reader_.errorString().toStdString(); }
 
  private:
-  [[nodiscard]] bool isTurned() const { return reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90); }
+  [[nodiscard]] bool isTurned() const {
+    return reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+  }
 
   QString path_;
   QFileInfo info_;
@@ -166,18 +168,28 @@ PaintedBackground finished(const QImage& tile, std::string complaint) {
   return background;
 }
 
-/// What lies around the transparent parts, spread over them: each half as large as the one before it and above it, with
-/// what it lacks itself taken from the next.
-QImage filledUp(const QImage& picture) {
-  if (picture.width() == 1 && picture.height() == 1) {
-    QImage average(1, 1, QImage::Format_ARGB32_Premultiplied);
-    average.fill(0xFF000000U | picture.pixel(0, 0));  // as it is where it is not transparent
-    return average;
+/// Half as large. What is transparent in part counts for what of it there is: so colours spread by a pixel.
+QImage halved(const QImage& picture) {
+  constexpr int least = 80;  // of 255: below that rounding has left too little of the colour
+  const QSize half(std::max(1, picture.width() / 2), std::max(1, picture.height() / 2));
+  auto small = picture.scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                   .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  const bool last = half == QSize(1, 1);
+  for (int y = 0; y < small.height(); ++y) {
+    auto* line = reinterpret_cast<QRgb*>(small.scanLine(y));
+    std::for_each(line, line + small.width(), [&](QRgb& pixel) {
+      pixel = last || qAlpha(pixel) >= least ? 0xFF000000U | qUnpremultiply(pixel) : 0U;
+    });
   }
-  const auto half = QSize(std::max(1, picture.width() / 2), std::max(1, picture.height() / 2));
-  const auto under = filledUp(picture.scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-  QImage filled = under.scaled(picture.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                      .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  return small;
+}
+
+/// The picture with what lies around its transparent parts spread over them.
+QImage filledUp(const QImage& picture) {
+  if (picture.width() == 1 && picture.height() == 1) return picture;
+  auto filled = filledUp(halved(picture))
+                    .scaled(picture.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                    .convertToFormat(QImage::Format_ARGB32_Premultiplied);
   QPainter painter(&filled);
   painter.drawImage(0, 0, picture);
   return filled;

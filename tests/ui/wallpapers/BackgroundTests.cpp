@@ -47,7 +47,9 @@ class BackgroundTest : public CoreTest {
     at(space, display, pixels);
     settle();
     const auto found = at(space, display, pixels);
-    if (found.image) EXPECT_EQ(ImageSize(found.image->width, found.image->height), pixels);
+    if (found.image) {
+      EXPECT_EQ(ImageSize(found.image->width, found.image->height), pixels);
+    }
     return found;
   }
   void show(SpaceID space, std::uint32_t color) {
@@ -233,7 +235,8 @@ TEST_F(BackgroundTest, ADamagedIndexIsReplaced) {
   for (const auto& text :
        {std::string(), std::string("{"), std::string("[]"), std::string(R"({"version": 2, "desktops": {}})"), nested,
         std::string(R"({"version": 1, "desktops": [1]})"),
-        std::string(R"({"version": 1, "desktops": {"main/UUID-1": {"color": "#zzzzzz", "order": 1, "wallpaper": ""}}})"),
+        std::string(
+            R"({"version": 1, "desktops": {"main/UUID-1": {"color": "#zzzzzz", "order": 1, "wallpaper": ""}}})"),
         std::string(R"({"version": 1, "desktops": {"main/UUID-1": {"color": 7, "order": -1}, "b": null}})")}) {
     std::ofstream(cacheFolder / "colors.json", std::ios::trunc) << text;
     takeLog();

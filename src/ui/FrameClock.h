@@ -8,7 +8,7 @@
 namespace tessaspaces {
 
 /// Counts what was shown of a movement, for measurements: with TESSASPACES_FRAME_LOG set to a file, a line is added to
-/// it for each one, as docs in HACKING.md say.
+/// it for each one.
 class FrameCount {
  public:
   void begin() { *this = {}; }

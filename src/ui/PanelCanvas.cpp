@@ -272,6 +272,9 @@ void PanelCanvas::fly(const GridScene::Window& window, const Rect& from, const R
   if (!isVisible() || zoom_) return;
   flights_.push_back({Flight(window, from, to), {}, 0});
   flights_.back().since.start();
+  // It begins where the hand let go, before anything shows without it.
+  pending_ += fromScene(flights_.back().flight.bounds(painter_, 0));
+  flush();
   if (!clock_.isRunning()) clock_.start(rate());
 }
 

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "ui/x11/Await.h"
+
 namespace tessaspaces {
 namespace {
 
@@ -49,6 +51,7 @@ PanelTest::PanelTest() {
 PanelTest::~PanelTest() {
   for (auto& panel : panels) panel.reset();
   system.reset();
+  settle();
   application.close(below);
   application.connection().roundTrip();
 }
@@ -98,6 +101,11 @@ QWidget* PanelTest::widget(int monitor) {
     if (each->isVisible() && each->geometry().topLeft() == QPoint(monitor * width, 0)) return each;
   }
   return nullptr;
+}
+
+void PanelTest::settle() {
+  auto* connection = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+  await(connection, xcb_get_input_focus_reply, xcb_get_input_focus(connection));
 }
 
 bool PanelTest::eventually(const std::function<bool()>& holds) {

@@ -64,6 +64,8 @@ class PanelTest : public testing::Test {
   /// The window of the panel on that monitor.
   [[nodiscard]] static QWidget* widget(int monitor);
 
+  /// The server has done all that this process has asked of it.
+  static void settle();
   /// Turns Qt's loop until it holds; false when it never does.
   static bool eventually(const std::function<bool()>& holds);
   /// Waits until the input has been told that many things, and takes them.

@@ -114,7 +114,8 @@ TEST_F(PanelTest, FollowsItsSceneAndZooms) {
   next.carried.reset();
   left().show(next);
   left().flyBack(next.tiles[0].windows[0], {300, 300, 100, 80}, next.tiles[0].windows[0].rect);
-  EXPECT_TRUE(eventually([&] { return screenContent(x) != with(before, next, 0); }));
+  settle();
+  EXPECT_TRUE(screenContent(x) != with(before, next, 0)) << "it is in the air";
   EXPECT_TRUE(eventually([&] { return screenContent(x) == with(before, next, 0); })) << "and nothing is left of it";
 
   // A zoom that closing, or another zoom, cuts short is never finished.
@@ -164,6 +165,7 @@ TEST_F(PanelTest, HearsWhatIsPressedAndNobodyElseDoes) {
   EXPECT_THAT(hears(inputs[1], 1), ElementsAre("typed b"));
   // A click where no panel is.
   left().close();
+  settle();
   pointer.moveTo(200, 150);
   pointer.click();
   EXPECT_THAT(hears(inputs[1], 2), ElementsAre("press left -440,150", "release left -440,150"));
@@ -171,6 +173,7 @@ TEST_F(PanelTest, HearsWhatIsPressedAndNobodyElseDoes) {
   EXPECT_EQ(leaked(), 0u);
 
   right().close();
+  settle();
   keyboard.type("c");
   EXPECT_TRUE(eventually([&] { return leaked() == 1; })) << "the keyboard is the application's again";
   pointer.click();

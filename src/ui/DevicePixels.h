@@ -21,6 +21,11 @@ struct DevicePixels {
     const int top = edge(points.minY());
     return {left, top, edge(points.maxX()) - left, edge(points.maxY()) - top};
   }
+  /// The nearest pixel at the top left, and an extent that does not depend on where that is: what moves keeps its size.
+  [[nodiscard]] QRect moving(const Rect& points) const {
+    const auto nearest = [this](double length) { return static_cast<int>(std::lround(length * scale)); };
+    return {nearest(points.x), nearest(points.y), nearest(points.width), nearest(points.height)};
+  }
   /// All pixels that the points touch.
   [[nodiscard]] QRect covering(const QRect& points) const {
     const auto down = [this](int at) { return static_cast<int>(std::floor(at * scale)); };

@@ -57,6 +57,12 @@ QRect HeaderPainter::strip(const GridScene& scene) const {
   return kit_.pixels.rect({0, scene.menuBarInset, scene.bounds.width, GridLayout::headerHeight});
 }
 
+QRect HeaderPainter::bounds(const GridScene& scene) const {
+  // The field casts a shadow, and texts stand a little lower than the middle of the strip.
+  const QRect top = strip(scene);
+  return top.adjusted(0, -top.height() / 2, 0, top.height() / 2);
+}
+
 QRect HeaderPainter::fieldRect(const GridScene& scene) const {
   if (!scene.keyboard && scene.filter.empty()) return {};
   const double width = std::min(fieldWidth, scene.bounds.width * fieldPart);

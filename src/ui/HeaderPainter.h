@@ -14,12 +14,14 @@ class HeaderPainter {
   explicit HeaderPainter(PaintKit& kit) : kit_(kit) {}
 
   void paint(QPainter& painter, const GridScene& scene) const;
-  /// The strip at the top that name and filter lie in.
-  [[nodiscard]] QRect strip(const GridScene& scene) const;
+  /// All that name and filter touch.
+  [[nodiscard]] QRect bounds(const GridScene& scene) const;
   /// Where the hint is: below the grid where there is room, else in the strip at the top. Empty without one.
   [[nodiscard]] QRect hintRect(const GridScene& scene) const;
 
  private:
+  /// The strip at the top that name and filter lie in.
+  [[nodiscard]] QRect strip(const GridScene& scene) const;
   [[nodiscard]] QRect fieldRect(const GridScene& scene) const;
   void paintTitle(QPainter& painter, const GridScene& scene, int end) const;
   void paintField(QPainter& painter, const GridScene& scene, const QRect& field) const;

@@ -16,7 +16,7 @@ auto frameOf(const Tile& tile) {
 }
 
 auto headerOf(const GridScene& scene) {
-  return std::tie(scene.title, scene.hint, scene.filter, scene.matches, scene.keyboard);
+  return std::tie(scene.title, scene.filter, scene.matches, scene.keyboard);
 }
 
 class Comparison {
@@ -31,10 +31,13 @@ class Comparison {
       for (std::size_t i = 0; i < after.tiles.size(); ++i) result_.contents[i] = tiles_.contentRect(after.tiles[i]);
       return result_;
     }
-    if (headerOf(before) != headerOf(after)) addHeader(before), addHeader(after);
+    if (headerOf(before) != headerOf(after)) result_.region += header_.bounds(after);
     const QRect hintBefore = header_.hintRect(before);
     const QRect hintAfter = header_.hintRect(after);
-    if (hintBefore != hintAfter) result_.region += hintBefore, result_.region += hintAfter;
+    if (hintBefore != hintAfter || before.hint != after.hint) {
+      result_.region += hintBefore;
+      result_.region += hintAfter;
+    }
     if (!(before.plus == after.plus)) {
       if (before.plus) result_.region += tiles_.bounds(*before.plus);
       if (after.plus) result_.region += tiles_.bounds(*after.plus);
@@ -56,13 +59,6 @@ class Comparison {
   }
 
  private:
-  void addHeader(const GridScene& scene) {
-    // The field casts a shadow, and texts stand a little lower than the middle of the strip.
-    const QRect strip = header_.strip(scene);
-    result_.region += strip.adjusted(0, -strip.height() / 2, 0, strip.height() / 2);
-    result_.region += header_.hintRect(scene);
-  }
-
   void addTile(std::size_t index, const Tile& tile) {
     result_.region += tiles_.bounds(tile);
     result_.contents[index] = tiles_.contentRect(tile);

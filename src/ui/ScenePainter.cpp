@@ -108,10 +108,7 @@ void ScenePainter::State::keepOnlyNeeded() {
   std::vector<PictureRequest> requests;
   const TilePainter tiles(kit);
   for (const auto& tile : scene.tiles) tiles.collect(tile, requests);
-  if (scene.carried) {
-    const auto& window = scene.carried->window;
-    WindowPainter(kit).collect(window, window.rect, requests);
-  }
+  if (scene.carried) WindowPainter(kit).collectCarried(scene.carried->window, requests);
   kit.pictures.keepOnly(requests);
 }
 
@@ -153,7 +150,7 @@ void ScenePainter::State::paint(QPainter& painter, const QRect& clip) {
   for (const auto i : touched) tiles.paintBadge(painter, scene.tiles[i]);
 
   const HeaderPainter header(kit);
-  header.paint(painter, scene);
+  if (header.bounds(scene).intersects(clip) || header.hintRect(scene).intersects(clip)) header.paint(painter, scene);
   if (scene.carried) {
     const auto& window = scene.carried->window;
     WindowPainter windows(kit);
@@ -192,6 +189,7 @@ void ScenePainter::paint(QPainter& painter, const QRegion& region) {
 
 QImage ScenePainter::render() {
   QImage image(state_->size, QImage::Format_RGB32);
+  if (image.isNull()) return image;
   image.setDevicePixelRatio(state_->kit.pixels.scale);
   QPainter painter(&image);
   const auto& bounds = state_->scene.bounds;

@@ -44,13 +44,24 @@ double keptSide(bool overNear, bool overFar) {
 
 }  // namespace
 
-PictureRequest WindowPainter::previewRequest(const Window& window, const Rect& rect, const Rect& content) const {
-  const QRect at = kit_.pixels.rect(rect);
-  const Image& image = *window.picture;
-  PictureRequest request{window.picture,          at.size(),      QRect(0, 0, image.width, image.height),
-                         kit_.windowCorner(rect), kit_.length(1), faded(kit_.theme.hairline, 1.2).rgba()};
-  if (image.width < 1 || image.height < 1 || at.isEmpty()) return request;
-  const double stretch = (static_cast<double>(at.width()) / at.height()) * image.height / image.width;
+WindowPainter::Place WindowPainter::inTile(const Window& window, const Rect& content) const {
+  return {window.rect, kit_.pixels.rect(window.rect), content};
+}
+
+WindowPainter::Place WindowPainter::inHand(const Rect& rect) const {
+  return {rect, kit_.pixels.moving(rect), rect};
+}
+
+PictureRequest WindowPainter::previewRequest(const ImageRef& picture, const Place& place) const {
+  const auto& [rect, at, content] = place;
+  PictureRequest request{picture,
+                         at.size(),
+                         QRect(0, 0, picture->width, picture->height),
+                         kit_.windowCorner(rect),
+                         kit_.length(1),
+                         faded(kit_.theme.hairline, 1.2).rgba()};
+  if (picture->width < 1 || picture->height < 1 || at.isEmpty()) return request;
+  const double stretch = (static_cast<double>(at.width()) / at.height()) * picture->height / picture->width;
   const bool left = near(rect.minX(), content.minX());
   const bool right = near(rect.maxX(), content.maxX());
   const bool top = near(rect.minY(), content.minY());
@@ -58,25 +69,29 @@ PictureRequest WindowPainter::previewRequest(const Window& window, const Rect& r
   const bool cutAcross = stretch < 1 - sameAspect && (left || right);
   const bool cutDown = stretch > 1 + sameAspect && (top || bottom);
   if (cutAcross || cutDown) {
-    request.part = coveringPart(image, at.size(), keptSide(left, right), keptSide(top, bottom));
+    request.part = coveringPart(*picture, at.size(), keptSide(left, right), keptSide(top, bottom));
   }
   return request;
 }
 
-PictureRequest WindowPainter::iconRequest(const Window& window, const Rect& rect) const {
-  const QRect at = kit_.pixels.rect(GridLayout::iconRect(rect));
-  const QRect whole(0, 0, window.icon->width, window.icon->height);
+PictureRequest WindowPainter::iconRequest(const ImageRef& icon, const Place& place) const {
+  const QSize room = kit_.pixels.moving(GridLayout::iconRect(place.rect)).size();
+  const QRect whole(0, 0, icon->width, icon->height);
   const QSize most = (QSizeF(whole.size()) * largestIcon).toSize();
-  return {window.icon, whole.size().scaled(at.size().boundedTo(most), Qt::KeepAspectRatio), whole};
+  return {icon, whole.size().scaled(room.boundedTo(most), Qt::KeepAspectRatio), whole};
+}
+
+PictureRequest WindowPainter::request(const Window& window, const Place& place) const {
+  if (window.picture) return previewRequest(window.picture, place);
+  return window.icon ? iconRequest(window.icon, place) : PictureRequest{};
 }
 
 void WindowPainter::collect(const Window& window, const Rect& content, std::vector<PictureRequest>& requests) const {
-  if (!isSeen(window)) return;
-  if (window.picture) {
-    requests.push_back(previewRequest(window, window.rect, content));
-  } else if (window.icon) {
-    requests.push_back(iconRequest(window, window.rect));
-  }
+  if (isSeen(window)) requests.push_back(request(window, inTile(window, content)));
+}
+
+void WindowPainter::collectCarried(const Window& window, std::vector<PictureRequest>& requests) const {
+  if (isSeen(window)) requests.push_back(request(window, inHand(window.rect)));
 }
 
 QRect WindowPainter::bounds(const Window& window) const {
@@ -99,7 +114,7 @@ void WindowPainter::paint(QPainter& painter, const Window& window, const Rect& c
   if (window.look == Look::dimmed) painter.setOpacity(dimmedOpacity);
   kit_.windowShadow.draw(painter, at);
   if (window.look == Look::best) kit_.accentGlow.draw(painter, at);
-  paintPicture(painter, window, window.rect, content);
+  paintPicture(painter, window, inTile(window, content));
   painter.setOpacity(1);
   switch (window.look) {
     case Look::best: drawRing(painter, at, corner, 0, kit_.length(bestRing), theme.accent); break;
@@ -115,20 +130,20 @@ void WindowPainter::paint(QPainter& painter, const Window& window, const Rect& c
   }
 }
 
-void WindowPainter::paintPicture(QPainter& painter, const Window& window, const Rect& rect, const Rect& content) {
+void WindowPainter::paintPicture(QPainter& painter, const Window& window, const Place& place) {
   if (window.picture) {
-    const auto& picture = kit_.pictures.picture(previewRequest(window, rect, content));
+    const auto& picture = kit_.pictures.picture(previewRequest(window.picture, place));
     if (!picture.isNull()) {
-      picture.draw(painter, kit_.pixels.rect(rect).topLeft());
+      picture.draw(painter, place.at.topLeft());
       return;
     }
   }
-  paintCard(painter, window, rect);
+  paintCard(painter, window, place);
 }
 
-void WindowPainter::paintCard(QPainter& painter, const Window& window, const Rect& rect) {
+void WindowPainter::paintCard(QPainter& painter, const Window& window, const Place& place) {
   const auto& theme = kit_.theme;
-  const QRect at = kit_.pixels.rect(rect);
+  const auto& [rect, at, content] = place;
   const int corner = kit_.windowCorner(rect);
   fillRounded(painter, at, corner, theme.card);
   if (rect.height >= leastForBar) {
@@ -147,9 +162,10 @@ void WindowPainter::paintCard(QPainter& painter, const Window& window, const Rec
   drawRing(painter, at, corner, -kit_.length(1), kit_.length(1), theme.hairline);
   const Rect icon = GridLayout::iconRect(rect);
   if (icon.width < leastIcon) return;
-  const QRect iconAt = kit_.pixels.rect(icon);
+  const int room = kit_.length(icon.width);
+  const QRect iconAt(at.x() + (at.width() - room) / 2, at.y() + (at.height() - room) / 2, room, room);
   if (window.icon) {
-    const auto request = iconRequest(window, rect);
+    const auto request = iconRequest(window.icon, place);
     const auto& picture = kit_.pictures.picture(request);
     if (!picture.isNull()) {
       picture.draw(painter, iconAt.topLeft() + QPoint((iconAt.width() - request.size.width()) / 2,
@@ -186,14 +202,15 @@ void WindowPainter::paintTitle(QPainter& painter, const Window& window, const Re
 }
 
 QRect WindowPainter::carriedBounds(const Rect& rect) const {
-  return kit_.carriedShadow.bounds(kit_.pixels.rect(rect)).adjusted(-1, -1, 1, 1);
+  return kit_.carriedShadow.bounds(kit_.pixels.moving(rect));
 }
 
 void WindowPainter::paintCarried(QPainter& painter, const Window& window, const Rect& rect, double opacity) {
   if (rect.isEmpty()) return;
   painter.setOpacity(opacity);
-  kit_.carriedShadow.draw(painter, kit_.pixels.rect(rect));
-  paintPicture(painter, window, rect, rect);
+  const Place place = inHand(rect);
+  kit_.carriedShadow.draw(painter, place.at);
+  paintPicture(painter, window, place);
   painter.setOpacity(1);
 }
 

@@ -27,16 +27,26 @@ class WindowPainter {
 
   /// The pictures that drawing it takes.
   void collect(const GridScene::Window& window, const Rect& content, std::vector<PictureRequest>& requests) const;
+  void collectCarried(const GridScene::Window& window, std::vector<PictureRequest>& requests) const;
 
   static bool isSeen(const GridScene::Window& window) { return !window.rect.isEmpty(); }
 
  private:
-  [[nodiscard]] PictureRequest previewRequest(const GridScene::Window& window, const Rect& rect,
-                                              const Rect& content) const;
-  [[nodiscard]] PictureRequest iconRequest(const GridScene::Window& window, const Rect& rect) const;
+  /// Where a window is drawn, in pixels as well: one in the user's hand is not cut to a tile.
+  struct Place {
+    Rect rect;
+    QRect at;
+    Rect content;
+  };
+  [[nodiscard]] Place inTile(const GridScene::Window& window, const Rect& content) const;
+  [[nodiscard]] Place inHand(const Rect& rect) const;
+  /// For the preview, else the icon; with no image where there is neither.
+  [[nodiscard]] PictureRequest request(const GridScene::Window& window, const Place& place) const;
+  [[nodiscard]] PictureRequest previewRequest(const ImageRef& picture, const Place& place) const;
+  [[nodiscard]] PictureRequest iconRequest(const ImageRef& icon, const Place& place) const;
   /// Preview or card, without shadow or rings.
-  void paintPicture(QPainter& painter, const GridScene::Window& window, const Rect& rect, const Rect& content);
-  void paintCard(QPainter& painter, const GridScene::Window& window, const Rect& rect);
+  void paintPicture(QPainter& painter, const GridScene::Window& window, const Place& place);
+  void paintCard(QPainter& painter, const GridScene::Window& window, const Place& place);
 
   PaintKit& kit_;
 };

@@ -152,17 +152,26 @@ TEST_P(X11Contract, TheFocusedWindowIsKnownAndMovedWithoutAWait) {
   const auto first = driver->open({.title = "first", .pid = 5001});
   const auto second = driver->open({.title = "second", .pid = 5002});
   const auto all = spaces();
+  const XcbConnectionRef other(xcb_connect(nullptr, nullptr));
   for (const auto& [window, pid] : {std::pair{first, 5001}, std::pair{second, 5002}}) {
     driver->focus(window);
     std::uint64_t before = 0;
+    std::optional<WindowInfo> known;
     // The events of the focus come in first, and what the window manager still does about it.
-    EXPECT_TRUE(driver->until([&, wanted = window, owner = pid] {
+    const auto isKnown = [&, wanted = window, owner = pid] {
       before = x11().roundTrips();
       const auto reading = server().beginRead();
       const auto front = platform().applications().frontmost();
-      const auto known = platform().windowList().frontWindow(owner);
+      known = platform().windowList().frontWindow(owner);
       return front && front->pid == owner && known && known->number == wanted && x11().roundTrips() == before;
-    })) << pid;
+    };
+    ASSERT_TRUE(driver->until(isKnown)) << pid;
+    // Its frame moves and it does not, inside it.
+    const std::array<std::uint32_t, 2> place{700, 500};
+    xcb_configure_window(other.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place.data());
+    xcb_flush(other.get());
+    EXPECT_TRUE(driver->until([&] { return isKnown() && *known->bounds->x > 600; })) << pid;
+
     EXPECT_TRUE(server().performBridged(MoveWindowsToSpace{{window}, all[2]}));
     EXPECT_EQ(x11().roundTrips(), before) << pid;
     EXPECT_TRUE(driver->until([&, moved = window] { return spacesOf(moved) == std::vector{all[2]}; })) << pid;

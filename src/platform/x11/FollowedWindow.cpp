@@ -40,7 +40,8 @@ bool FollowedWindow::follow(xcb_window_t window) {
 
 void FollowedWindow::letGo() {
   for (const auto window : chain_) {
-    select(connection_.events(), window, window == chain_.front() ? clientMask : std::uint32_t{XCB_EVENT_MASK_NO_EVENT});
+    select(connection_.events(), window,
+           window == chain_.front() ? clientMask : std::uint32_t{XCB_EVENT_MASK_NO_EVENT});
   }
   chain_.clear();
   intact_ = false;

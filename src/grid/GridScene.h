@@ -59,7 +59,7 @@ struct GridScene {
     int number = 0;
     /// The application that covers the desktop in full screen; empty: none.
     std::string fullScreenApplication;
-    /// Front to back, as the desktop has them: to be drawn from the last to the first.
+    /// Front to back, as the desktop has them: to be drawn from the last to the first, dimmed ones below all others.
     std::vector<Window> windows;
     bool current = false;     // the display shows it: ringed
     bool selected = false;    // the keyboard's selection is here

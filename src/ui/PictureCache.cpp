@@ -1,6 +1,10 @@
 #include "ui/PictureCache.h"
 
+#include <QSemaphore>
+#include <QThread>
+#include <QThreadPool>
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <memory>
@@ -12,6 +16,9 @@
 
 namespace tessaspaces {
 namespace {
+
+/// Not worth a second thread.
+constexpr std::size_t fewPictures = 8;
 
 bool isOpaque(const QImage& image) {
   const int width = image.width();
@@ -106,6 +113,31 @@ const ReadyPicture& PictureCache::picture(const PictureRequest& request) {
   const auto found = pictures_.find(request);
   if (found != pictures_.end()) return found->second;
   return pictures_.emplace(request, made(request)).first->second;
+}
+
+void PictureCache::makeAll(const std::vector<PictureRequest>& requests) {
+  // Shared: a thread that begins only when all is done finds that out here.
+  struct Work {
+    std::vector<decltype(pictures_)::value_type*> missing;
+    std::atomic<std::size_t> next = 0;
+    QSemaphore done;
+    void run() {
+      for (auto i = next++; i < missing.size(); i = next++) {
+        missing[i]->second = made(missing[i]->first);
+        done.release();
+      }
+    }
+  };
+  const auto work = std::make_shared<Work>();
+  for (const auto& request : requests) {
+    const auto [at, isNew] = pictures_.try_emplace(request);
+    if (isNew) work->missing.push_back(&*at);
+  }
+  const std::size_t processors = static_cast<std::size_t>(std::max(1, QThread::idealThreadCount()));
+  const std::size_t helpers = std::min(processors - 1, work->missing.size() / fewPictures);
+  for (std::size_t i = 0; i < helpers; ++i) QThreadPool::globalInstance()->tryStart([work] { work->run(); });
+  work->run();
+  work->done.acquire(static_cast<int>(work->missing.size()));
 }
 
 void PictureCache::keepOnly(const std::vector<PictureRequest>& requests) {

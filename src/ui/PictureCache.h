@@ -58,6 +58,8 @@ class PictureCache {
  public:
   /// Made when it is asked for first. Null when there is nothing to draw.
   const ReadyPicture& picture(const PictureRequest& request);
+  /// Makes those that are missing, on all processors at once; returns when they are there.
+  void makeAll(const std::vector<PictureRequest>& requests);
   /// Forgets all others.
   void keepOnly(const std::vector<PictureRequest>& requests);
   [[nodiscard]] std::size_t size() const { return pictures_.size(); }

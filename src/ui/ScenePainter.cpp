@@ -61,11 +61,14 @@ struct ScenePainter::State {
   QSize size;  // of the panel, in pixels
   Backdrop backdrop;
   std::vector<Content> contents;
+  /// What the contents take, until they are drawn.
+  std::vector<PictureRequest> requests;
 
   QRegion set(const GridScene& next, double scale, const Theme& theme);
   void paint(QPainter& painter, const QRect& clip);
   const QImage& content(std::size_t index);
   void keepOnlyNeeded();
+  void makePictures();
 };
 
 QRegion ScenePainter::State::set(const GridScene& next, double scale, const Theme& theme) {
@@ -105,11 +108,16 @@ QRegion ScenePainter::State::set(const GridScene& next, double scale, const Them
 }
 
 void ScenePainter::State::keepOnlyNeeded() {
-  std::vector<PictureRequest> requests;
+  requests.clear();
   const TilePainter tiles(kit);
   for (const auto& tile : scene.tiles) tiles.collect(tile, requests);
   if (scene.carried) WindowPainter(kit).collectCarried(scene.carried->window, requests);
   kit.pictures.keepOnly(requests);
+}
+
+void ScenePainter::State::makePictures() {
+  kit.pictures.makeAll(requests);
+  requests.clear();
 }
 
 const QImage& ScenePainter::State::content(std::size_t index) {
@@ -173,12 +181,14 @@ const GridScene& ScenePainter::scene() const {
 }
 
 void ScenePainter::prepare() {
+  state_->makePictures();
   for (std::size_t i = 0; i < state_->contents.size(); ++i) state_->content(i);
   state_->backdrop.image(backdropOf(state_->scene), state_->size, state_->kit.theme);
 }
 
 void ScenePainter::paint(QPainter& painter, const QRegion& region) {
   if (!state_->any) return;
+  state_->makePictures();
   const InPixels inPixels(painter, state_->kit.pixels.scale);
   QRegion pixels;
   for (const QRect& rect : region) pixels += state_->kit.pixels.covering(rect);

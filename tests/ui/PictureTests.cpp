@@ -89,6 +89,22 @@ TEST(PictureCacheTest, MakesOnceWhatIsKeptAndForgetsTheRest) {
   EXPECT_EQ(qAlpha(kept->image().pixel(10, 0)), 255);
 }
 
+TEST(PictureCacheTest, ManyAtOnceAreTheSameAsOneByOne) {
+  std::vector<PictureRequest> requests;
+  for (int i = 0; i < 200; ++i) {
+    const auto image = picture(i, 50 + i, 40);
+    requests.push_back({image, QSize(20 + i % 60, 25), QRect(0, 0, image->width, image->height), 4, 1, 0xFF102030});
+    if (i % 3 == 0) requests.push_back(requests.back());
+  }
+  PictureCache atOnce;
+  PictureCache alone;
+  atOnce.makeAll(requests);
+  EXPECT_EQ(atOnce.size(), 200U);
+  for (const auto& request : requests) {
+    ASSERT_EQ(difference(atOnce.picture(request).image(), alone.picture(request).image()), "");
+  }
+}
+
 TEST(ShadowPatchTest, IsSeamlessAndLeavesTheMiddleFree) {
   const ShadowPatch patch({10, 18, 6, QColor(0, 0, 0, 200)});
   for (const QSize size : {QSize(700, 300), QSize(120, 90), QSize(57, 40)}) {

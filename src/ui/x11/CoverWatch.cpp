@@ -59,12 +59,14 @@ void CoverWatch::remove(QWindow& window) {
 }
 
 void CoverWatch::listen(bool wanted) {
-  // Qt has asked for other events of the root window on the same connection, and a client has one mask for a window.
-  const auto attributes =
-      await(connection_, xcb_get_window_attributes_reply, xcb_get_window_attributes(connection_, root_));
-  if (!attributes) return;
-  constexpr std::uint32_t news = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-  const std::uint32_t mask = wanted ? attributes->your_event_mask | news : attributes->your_event_mask & ~news;
+  if (wanted) {
+    // Qt has asked for other events of the root window on the same connection, and a client has one mask for a window.
+    const auto attributes =
+        await(connection_, xcb_get_window_attributes_reply, xcb_get_window_attributes(connection_, root_));
+    if (!attributes) return;
+    maskBefore_ = attributes->your_event_mask;
+  }
+  const std::uint32_t mask = maskBefore_ | (wanted ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : 0U);
   xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
   xcb_flush(connection_);
 }

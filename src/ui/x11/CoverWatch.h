@@ -46,6 +46,7 @@ class CoverWatch {
   xcb_connection_t* connection_;
   xcb_window_t root_;
   bool hasShape_ = false;
+  std::uint32_t maskBefore_ = 0;
   std::vector<Panel> panels_;
   QTimer timer_;
 };

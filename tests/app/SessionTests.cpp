@@ -14,6 +14,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <memory>
+#include <optional>
 
 #include "app/EventWait.h"
 
@@ -56,6 +57,21 @@ void collectLabels(const QDBusArgument& item, QStringList& labels) {
   item.endStructure();
   labels << properties.value("label").toString();
   for (const QVariant& child : children) collectLabels(child.value<QDBusArgument>(), labels);
+}
+
+/// The number of the menu item with that label, from `item` downwards; absent when there is none.
+std::optional<int> idOfLabel(const QDBusArgument& item, const QString& label) {
+  int id = 0;
+  QVariantMap properties;
+  QVariantList children;
+  item.beginStructure();
+  item >> id >> properties >> children;
+  item.endStructure();
+  if (properties.value("label").toString() == label) return id;
+  for (const QVariant& child : children) {
+    if (const auto found = idOfLabel(child.value<QDBusArgument>(), label)) return found;
+  }
+  return std::nullopt;
 }
 
 /// The program itself in a desktop session of its own: an X server, a message bus, a home.
@@ -104,6 +120,12 @@ class SessionTest : public testing::Test {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
   }
   void startProgram(QProcess& process) { start(process, TESSASPACES_PROGRAM, {"--platform", "simulated"}); }
+  int idOf(const QString& service, const QString& label) {
+    auto layout = QDBusMessage::createMethodCall(service, "/MenuBar", "com.canonical.dbusmenu", "GetLayout");
+    layout << 0 << -1 << QStringList("label");
+    const auto menu = connection->call(layout).arguments();
+    return menu.size() == 2 ? idOfLabel(menu[1].value<QDBusArgument>(), label).value_or(-1) : -1;
+  }
   bool isOnBus(const QString& name) {
     auto call = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner");
     call << name;
@@ -174,6 +196,32 @@ TEST_F(SessionTest, TheIconGoesToAPanelThatComesLater) {
   QStringList labels;
   collectLabels(menu[1].value<QDBusArgument>(), labels);
   EXPECT_TRUE(labels.contains("Quit tessa⊞spaces")) << labels.join("|").toStdString();
+}
+
+TEST_F(SessionTest, AScreenThatIsLockedHasNoOverviewOpen) {
+  configure(R"({"tessaspaces.logLevel": 3})");
+  startProgram(program);
+  ASSERT_TRUE(waitFor([&] { return log().contains("MENU BAR: no system tray found"); }));
+  FakePanel panel;
+  ASSERT_TRUE(connection->registerVirtualObject("/StatusNotifierWatcher", &panel));
+  ASSERT_TRUE(connection->registerService(notifierWatcher));
+  ASSERT_TRUE(waitFor([&] { return !panel.items.isEmpty(); }));
+  auto click = QDBusMessage::createMethodCall(panel.items.first(), "/MenuBar", "com.canonical.dbusmenu", "Event");
+  click << idOf(panel.items.first(), "Show Grid") << QString("clicked") << QVariant::fromValue(QDBusVariant(0)) << 0U;
+  connection->call(click);
+  ASSERT_TRUE(waitFor([&] { return log().contains("GRID shown on "); }));
+  const auto say = [&](bool active) {
+    auto signal = QDBusMessage::createSignal("/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver",
+                                             "ActiveChanged");
+    signal << active;
+    connection->send(signal);
+  };
+  say(false);
+  // It may not listen yet: a screen saver says it once, the test until it is heard.
+  EXPECT_TRUE(waitFor([&] {
+    say(true);
+    return log().contains("GRID: the screen is locked — open grids closed");
+  }));
 }
 
 TEST_F(SessionTest, EndsWithAMessageWhenThereIsNoDisplayAnyMore) {

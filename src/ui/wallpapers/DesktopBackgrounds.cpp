@@ -23,6 +23,8 @@ using namespace std::chrono_literals;
 
 // Several pictures that are ready one after the other are shown together.
 constexpr auto changeDelay = 30ms;
+// A program that paints the root again and again, a video, is not followed faster than this.
+constexpr Duration lookPause = 300ms;
 // Around a window, in device pixels: its shadow, and what scaling mixes.
 constexpr double shadow = 16;
 constexpr double mixed = 2;
@@ -92,18 +94,30 @@ DesktopBackgrounds::~DesktopBackgrounds() = default;
 TileBackground DesktopBackgrounds::background(const std::string& displayUUID, SpaceID space, ImageSize pixels) {
   const Key key{displayUUID, space};
   auto& desktop = desktops_[key];
-  desktop.used = generation_;
+  desktop.pixels = pixels;
   desktop.wantedSide = std::max(desktop.wantedSide, neededSide(displayUUID, pixels));
   const bool tooSmall =
       std::holds_alternative<PaintedWallpaper>(desktop.wallpaper) && desktop.lookedSide < desktop.wantedSide;
   if (!desktop.looked || tooSmall) lookSoon();
+  return current(key, desktop);
+}
 
+TileBackground DesktopBackgrounds::current(const Key& key, Desktop& desktop) {
+  const auto pixels = desktop.pixels;
   auto found = ofWallpaper(key, desktop, pixels);
   if (!found) found = ofLearned(desktop, pixels);
-  if (!found) return {nullptr, palette.at((desktop.looked ? desktop.number : space - 1) % palette.size())};
+  if (!found) return {nullptr, palette.at((desktop.looked ? desktop.number : key.second - 1) % palette.size())};
   if (!found->image && desktop.shown) return *desktop.shown;
   desktop.shown = found;
   return *found;
+}
+
+void DesktopBackgrounds::makeAhead() {
+  rendered_.keepOnly([this] {
+    for (auto& [key, desktop] : desktops_) {
+      if (desktop.pixels.width > 0) current(key, desktop);
+    }
+  });
 }
 
 std::optional<TileBackground> DesktopBackgrounds::ofWallpaper(const Key& key, Desktop& desktop, ImageSize pixels) {
@@ -142,20 +156,21 @@ int DesktopBackgrounds::neededSide(const std::string& displayUUID, ImageSize pix
 }
 
 void DesktopBackgrounds::refresh() {
-  ++generation_;
   rendered_.refresh();
   lookSoon();
 }
 
 void DesktopBackgrounds::lookSoon() {
   if (std::exchange(lookPending_, true)) return;
-  dispatch_.async([this, alive = std::weak_ptr(alive_)] {
+  const Duration pause = lastLook_ ? *lastLook_ + lookPause - dispatch_.now() : Duration{};
+  dispatch_.after(std::max(Duration{}, pause), [this, alive = std::weak_ptr(alive_)] {
     if (alive.lock()) look();
   });
 }
 
 void DesktopBackgrounds::look() {
   lookPending_ = false;
+  lastLook_ = dispatch_.now();
   lookAtScreens();
   const auto reading = platform().windowServer().beginRead();
   lookAtSpaces();
@@ -204,7 +219,8 @@ void DesktopBackgrounds::lookAtSpaces() {
 }
 
 void DesktopBackgrounds::lookAt(const Key& key, Desktop& desktop) {
-  desktop.wantedSide = std::max(desktop.wantedSide, 1);
+  // Before the first look the display's size was not known.
+  desktop.wantedSide = std::max({desktop.wantedSide, neededSide(key.first, desktop.pixels), 1});
   auto wallpaper = platform().windowCapture().wallpaper(key.first, key.second, desktop.wantedSide);
   desktop.lookedSide = desktop.wantedSide;
   const bool isNew = !std::exchange(desktop.looked, true) || !isSame(desktop.wallpaper, wallpaper);
@@ -232,13 +248,13 @@ void DesktopBackgrounds::changeSoon() {
   dispatch_.after(changeDelay, [this, alive = std::weak_ptr(alive_)] {
     if (!alive.lock()) return;
     changePending_ = false;
+    makeAhead();
     changed.emit();
   });
 }
 
 void DesktopBackgrounds::learn(const std::string& displayUUID, SpaceID space) {
   const Key key{displayUUID, space};
-  desktops_[key].used = generation_;
   if (!desktops_[key].looked) look();
   const auto found = desktops_.find(key);  // no more when there is no such desktop
   if (found == desktops_.end()) return;

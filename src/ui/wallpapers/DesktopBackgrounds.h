@@ -3,10 +3,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
 #include "grid/TileBackgrounds.h"
+#include "platform/Dispatch.h"
 #include "ui/wallpapers/BackgroundCache.h"
 #include "ui/wallpapers/RenderedBackgrounds.h"
 
@@ -39,13 +43,14 @@ class DesktopBackgrounds final : public TileBackgrounds {
     std::size_t number = 0;
     /// Under which its learned picture is kept.
     std::string cacheKey;
+    /// How large its tile was when it was last asked for.
+    ImageSize pixels;
     /// Pixels on the longer side that pictures of the whole display need to have; and had, when they were asked for.
     int wantedSide = 0;
     int lookedSide = 0;
     /// What was last shown, until something else is ready.
     std::optional<TileBackground> shown;
     std::optional<TimePoint> learned;
-    unsigned used = 0;
   };
 
   void lookSoon();
@@ -56,6 +61,10 @@ class DesktopBackgrounds final : public TileBackgrounds {
   void wallpaperChanged();
   void changeSoon();
 
+  /// What there is to show, and has made what is missing for that.
+  TileBackground current(const Key& key, Desktop& desktop);
+  /// The first frame of an opening has no time to make pictures, and asks for them only then.
+  void makeAhead();
   [[nodiscard]] std::optional<TileBackground> ofWallpaper(const Key& key, Desktop& desktop, ImageSize pixels);
   [[nodiscard]] std::optional<TileBackground> ofLearned(const Desktop& desktop, ImageSize pixels);
   [[nodiscard]] WallpaperPlace placeOf(const std::string& displayUUID) const;
@@ -74,8 +83,8 @@ class DesktopBackgrounds final : public TileBackgrounds {
   std::map<std::string, WallpaperPlace> places_;
   LearnedBackgrounds learned_;
   std::uint64_t order_ = 0;
-  unsigned generation_ = 0;
   bool lookPending_ = false;
+  std::optional<TimePoint> lastLook_;
   bool changePending_ = false;
   ScopedConnection wallpaperChanged_;
   ScopedConnection screensChanged_;

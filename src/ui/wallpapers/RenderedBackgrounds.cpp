@@ -60,9 +60,13 @@ void RenderedBackgrounds::complain(const std::string& path, const std::string& c
   Log::warning("WALLPAPER: {} cannot be shown: {}", displayPath(path), complaint);
 }
 
-void RenderedBackgrounds::refresh() {
-  std::erase_if(entries_, [&](const Entry& entry) { return entry.used + 1 < generation_; });
+void RenderedBackgrounds::keepOnly(const std::function<void()>& ask) {
   ++generation_;
+  ask();
+  std::erase_if(entries_, [&](const Entry& entry) { return entry.used != generation_; });
+}
+
+void RenderedBackgrounds::refresh() {
   std::map<std::string, std::optional<FileStamp>> stamps;
   for (const auto& entry : entries_) {
     if (entry.source.file && entry.background) stamps[entry.source.file->path];

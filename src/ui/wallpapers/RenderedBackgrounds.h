@@ -32,8 +32,9 @@ class RenderedBackgrounds {
   /// At once: in this size, else in another one while this is being made; null while there is none. Valid until the
   /// main thread does something else.
   const PaintedBackground* find(const BackgroundSource& source, ImageSize pixels);
-  /// Makes those anew whose files have changed, and forgets those that nobody has asked for since the last call but
-  /// one.
+  /// Forgets all that `find` is not asked for while this runs `ask`.
+  void keepOnly(const std::function<void()>& ask);
+  /// Makes those anew whose files have changed.
   void refresh();
 
  private:

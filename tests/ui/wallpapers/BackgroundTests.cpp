@@ -109,7 +109,7 @@ TEST_F(BackgroundTest, AFileIsReadWithoutWaitingForIt) {
 
   picture("red.png", green);
   fs::last_write_time(folder / "red.png", fs::file_time_type::clock::now() + 10s);
-  EXPECT_EQ(ready(2).color, red);
+  EXPECT_EQ(ready(2, "main", {200, 100}).color, red);
   backgrounds->refresh();
   EXPECT_EQ(ready(2).color, green) << "the file has changed";
 
@@ -160,6 +160,55 @@ TEST_F(BackgroundTest, WhatIsPaintedIsShownOnEachMonitorsDesktops) {
   world().clearCalls();
   ready(3, "right", {960, 540});
   EXPECT_TRUE(world().calls(Operation::wallpaper).empty()) << "known";
+}
+
+TEST_F(BackgroundTest, AskingOnceAheadIsEnough) {
+  begin("left 960x540 | A* B ; right 960x540 | X*");
+  sim->pictures().setWallpaper("left", 0, PaintedWallpaper{plain(red, 960, 540)});
+  sim->pictures().setWallpaper("right", 3, WallpaperFile{.path = picture("green.png", green)});
+  at(1, "left");
+  at(3, "right");
+  settle();
+  // Nobody asks while the overview is closed; the first to do so again is its first frame.
+  world().clearCalls();
+  ASSERT_TRUE(at(1, "left").image);
+  EXPECT_EQ(at(1, "left").color, red);
+  ASSERT_TRUE(at(3, "right").image);
+  EXPECT_EQ(at(3, "right").color, green);
+  EXPECT_TRUE(world().calls().empty()) << "a look-up";
+
+  sim->pictures().setWallpaper("left", 0, PaintedWallpaper{plain(green, 960, 540)});
+  settle();
+  EXPECT_EQ(at(1, "left").color, green) << "made when it changed, not when it is shown";
+
+  // What was learned is there as well, also at the next start.
+  show(2, red);
+  sim->pictures().setWallpaper("left", 0, UnknownWallpaper{});
+  sim->pictures().setScreenContent("left", plain(red, 960, 540));
+  settle();
+  at(2, "left");
+  backgrounds->learn("left", 2);
+  settle();
+  ASSERT_TRUE(at(2, "left").image);
+  make();
+  at(2, "left");
+  settle();
+  ASSERT_TRUE(at(2, "left").image);
+  EXPECT_EQ(at(2, "left").color, red);
+}
+
+TEST_F(BackgroundTest, AWallpaperThatNeverRestsIsFollowedWithRests) {
+  begin();
+  at(1);
+  settle();
+  world().clearCalls();
+  for (int frame = 0; frame < 100; ++frame) {
+    sim->pictures().setWallpaper("main", 0, PaintedWallpaper{plain(frame % 2 == 0 ? green : red)});
+    sim->time().advance(10ms);
+  }
+  EXPECT_LE(world().calls(Operation::wallpaper).size(), 5U) << "one desktop, for one second";
+  settle();
+  EXPECT_EQ(at(1).color, red) << "the last one";
 }
 
 TEST_F(BackgroundTest, ADesktopIsLearnedFromWhatIsSeenOfIt) {

@@ -176,10 +176,11 @@ std::map<SpaceID, TileBackground> GridContents::backgrounds(const SpacesSnapshot
   return found;
 }
 
-void GridContents::setPreviewSide(int pixels) {
-  if (pixels < 1 || pixels == previewSide_) return;
-  previewSide_ = pixels;
-  platform().windowCapture().setLongestSide(pixels);
+void GridContents::setPreviewLimits(const PreviewLimits& limits) {
+  // Other limits make every window on screen be captured anew.
+  if (limits == previewLimits_) return;
+  previewLimits_ = limits;
+  platform().windowCapture().setLimits(limits);
 }
 
 std::shared_ptr<void> GridContents::keepFresh() {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -47,8 +48,8 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   [[nodiscard]] const std::map<std::int32_t, std::string>& applicationNames() const { return names_; }
   /// By space; `pixels` is how large a tile's content is, in device pixels.
   [[nodiscard]] std::map<SpaceID, TileBackground> backgrounds(const SpacesSnapshot& desktops, ImageSize pixels);
-  /// The longer side of previews made from now on, in device pixels.
-  void setPreviewSide(int pixels);
+  /// How large previews are made from now on.
+  void setPreviewLimits(const PreviewLimits& limits);
 
   /// As long as anybody holds what this returns, changes on the system are followed, several in quick succession at
   /// once.
@@ -85,7 +86,7 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   std::map<std::int32_t, std::string> names_;
   ExpectedMoves expected_;
   bool captureAsked_ = false;
-  int previewSide_ = 0;
+  std::optional<PreviewLimits> previewLimits_;
 
   std::weak_ptr<Freshness> freshness_;
   std::weak_ptr<Hold> hold_;

@@ -120,9 +120,15 @@ void GridCoordinator::prepare() {
 }
 
 void GridCoordinator::fitPreviews() {
-  int side = 0;
-  for (const auto& [id, panel] : controllers_) side = std::max(side, panel->previewSide());
-  contents_->setPreviewSide(side);
+  std::optional<PreviewLimits> limits;
+  for (const auto& [id, panel] : controllers_) {
+    const auto needed = panel->previewLimits();
+    if (!needed) continue;
+    if (!limits) limits = needed;
+    limits->scale = std::max(limits->scale, needed->scale);
+    limits->longestSide = std::max(limits->longestSide, needed->longestSide);
+  }
+  if (limits) contents_->setPreviewLimits(*limits);
 }
 
 void GridCoordinator::show(const ScreenRef& focusedOn) {

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A hot key's own hold on the keyboard ends when the key goes up, or when a menu of another program closes.
+/// A menu of another program that has the keyboard closes soon, or not at all.
 constexpr Duration keyboardPatience = 300ms;
 constexpr Duration keyboardPause = 20ms;
 
@@ -98,9 +98,9 @@ void GridPanelController::takeDesktops() {
   root.setSnapshot(snapshot_);
   const auto& layout = root.layout();
   // One that would get no tile would be added out of sight.
-  root.setCanAdd(std::ssize(snapshot_.desktops) <
-                 std::min<std::ptrdiff_t>(Settings::maxDesktops,
-                                          static_cast<std::ptrdiff_t>(layout.rows()) * layout.columns()));
+  root.setCanAdd(
+      std::ssize(snapshot_.desktops) <
+      std::min<std::ptrdiff_t>(Settings::maxDesktops, static_cast<std::ptrdiff_t>(layout.rows()) * layout.columns()));
   takeBackgrounds();
 }
 
@@ -131,11 +131,14 @@ double GridPanelController::pixelsPerPoint() const {
   return screen_ ? screen_->scale : 1;
 }
 
-int GridPanelController::previewSide() const {
+std::optional<PreviewLimits> GridPanelController::previewLimits() const {
   const auto& contents = root.layout().contentRects();
-  if (contents.empty()) return 0;
-  const double side = std::max(contents.front().width, contents.front().height);
-  return static_cast<int>(std::ceil(side * pixelsPerPoint() * previewFactor(Settings::quality(), exploded_)));
+  if (contents.empty() || !screen_ || screen_->frame.isEmpty()) return std::nullopt;
+  const auto& content = contents.front();
+  const double factor = previewFactor(Settings::quality(), exploded_);
+  const double side = std::max(content.width, content.height) * pixelsPerPoint() * factor;
+  return PreviewLimits{std::min(1.0, content.width / screen_->frame.width * factor),
+                       std::max(1, static_cast<int>(std::ceil(side)))};
 }
 
 void GridPanelController::startIdleWindowRefresh() {
@@ -189,7 +192,9 @@ void GridPanelController::show(const ScreenRef& on, std::optional<bool> primary)
   fit(screen);
   takeDesktops();
   root.setApplicationNames(contents_->applicationNames());
-  keyboard_ = primary.value_or(true);
+  const bool wanted = primary.value_or(true);
+  if (!wanted) restoreSystemChrome(false);
+  keyboard_ = wanted;
   root.setKeyboard(keyboard_);
   startIdleWindowRefresh();
   if (opens) {
@@ -281,7 +286,10 @@ void GridPanelController::holdKeyboard() {
 }
 
 void GridPanelController::tryKeyboard(std::uint64_t wish, TimePoint until) {
-  if (wish != keyboardWish_ || !isVisible() || view_->takeKeyboard()) return;
+  if (wish != keyboardWish_ || !isVisible()) return;
+  // The hot key that opened the overview is still down perhaps, and holds the keyboard with it.
+  platform().hotKeys().letGoOfKeyboard();
+  if (view_->takeKeyboard()) return;
   auto& dispatch = platform().dispatch();
   if (dispatch.now() >= until) {
     Log::warning("GRID: keyboard held by another program");

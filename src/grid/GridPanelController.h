@@ -59,9 +59,9 @@ class GridPanelController final : public GridRootOwner, public std::enable_share
   [[nodiscard]] bool hasKeyboard() const { return keyboard_; }
   void setFilter(const std::string& filter);
 
-  /// The longer side of a tile's content in device pixels, times what the quality in the settings asks for: as large
-  /// as previews need to be. 0 before it was fitted to a screen.
-  [[nodiscard]] int previewSide() const;
+  /// As large as previews need to be to be drawn here, in the quality that the settings ask for. Absent before it was
+  /// fitted to a screen, and with no tile.
+  [[nodiscard]] std::optional<PreviewLimits> previewLimits() const;
   [[nodiscard]] const ScreenRef& screen() const { return screen_; }
 
   /// What it shows; of it the coordinator and the self-test use what concerns other panels and the geometry.

@@ -62,6 +62,34 @@ TEST_F(Coordinator, OpensEveryDisplayWithTheKeyboardOnOne) {
   EXPECT_THAT(views, SizeIs(2)) << "the panels are kept";
 }
 
+TEST_F(Coordinator, AskedForElsewhereTheOpenGridPassesTheKeyboard) {
+  startGrid(two);
+  open("left");
+  grid->show(screen("right"));
+  EXPECT_FALSE(view("left").keyboard || view("left").scene.keyboard);
+  EXPECT_TRUE(view("right").keyboard && view("right").scene.keyboard);
+  EXPECT_EQ(view("left").openings, 1);
+}
+
+TEST_F(Coordinator, APanelMayGoInTheMiddleOfASwitch) {
+  startGrid("left 960x1080 | A* ; right 960x1080 | X* Y [Chat]");
+  open();
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedSetCurrentSpace] = 300ms; });
+  view("right").click(view("right").window("Y", id("Chat")).rect.center());
+  advance(50ms);
+  world().removeDisplay("right");
+  advance(5s);
+  EXPECT_THAT(views, SizeIs(1));
+  EXPECT_TRUE(world().asked(Operation::raiseWindow)) << "what was to follow the switch follows";
+
+  open();
+  view("left").clickTile("X");
+  advance(1ms);
+  grid.reset();
+  advance(5s);
+  EXPECT_THAT(views, IsEmpty());
+}
+
 TEST_F(Coordinator, MirrorsCountOnce) {
   startGrid("lid 960x1080 builtin | A* B ; projector 960x1080 | X*");
   world().mirrorDisplay("lid", "projector");

@@ -43,11 +43,14 @@ TEST_F(Panel, ZoomsOutOfTheCurrentDesktopAndBackIntoIt) {
   panel.finishZoom();
   EXPECT_FALSE(panel.isUp);
 
-  Settings::setShowGridZoomAnimation(false);
-  grid->show(nullptr);
-  EXPECT_FALSE(panel.zoom);
-  grid->closeAnimated();
-  EXPECT_FALSE(panel.isUp);
+  for (const bool ours : {true, false}) {
+    Settings::setShowGridZoomAnimation(!ours);
+    sim->setReduceMotion(!ours);
+    grid->show(nullptr);
+    EXPECT_FALSE(panel.zoom);
+    grid->closeAnimated();
+    EXPECT_FALSE(panel.isUp);
+  }
 }
 
 TEST_F(Panel, AnOldEndDoesNotCloseANewOpening) {

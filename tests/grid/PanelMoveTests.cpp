@@ -131,6 +131,31 @@ TEST_F(PanelMoves, AFailureBringsThePreviewBackAndSaysSo) {
   EXPECT_THAT(panel.flights, SizeIs(2));
 }
 
+TEST_F(PanelMoves, TheLastDropOfAWindowCounts) {
+  startGrid("left 1920x1080 | A* [Mail] B C");
+  open();
+  auto& panel = view("left");
+  const auto mail = id("Mail");
+  const auto first = grip(panel, panel.window("A", mail).rect, panel, "B", 0.1, 0.1);
+  panel.drag(first.from, first.to);
+  advance(50ms);
+  const auto second = grip(panel, panel.window("B", mail).rect, panel, "C", 0.5, 0.5);
+  panel.drag(second.from, second.to);
+  EXPECT_THAT(panel.windows("C"), ElementsAre(mail));
+  advance(3s);
+  EXPECT_EQ(world().spacesOf(mail), std::vector<SpaceID>{3});
+  EXPECT_EQ(frameOf(mail).x, 960);
+  EXPECT_THAT(panel.windows("C"), ElementsAre(mail));
+  EXPECT_THAT(panel.alerts, IsEmpty());
+
+  // The window is on its way back when the coordinator goes.
+  const auto third = grip(panel, panel.window("C", mail).rect, panel, "A", 0.1, 0.1);
+  panel.drag(third.from, third.to);
+  grid.reset();
+  advance(3s);
+  EXPECT_EQ(world().spacesOf(mail), std::vector<SpaceID>{1});
+}
+
 TEST_F(PanelMoves, AcrossDisplays) {
   startGrid("left 1920x1080 | A* [Mail] B ; right 800x600 | X* Y");
   open();

@@ -228,7 +228,9 @@ void GridCoordinator::dropAcrossDisplays(GridPanelController& source, const Spac
 void GridCoordinator::dragAcrossDisplays(const GridPanelController& source, std::optional<Point> cursor) {
   for (const auto& [id, other] : controllers_) {
     if (other.get() == &source || !other->isVisible()) continue;
-    other->root.setExternalHover(cursor && other->containsOnScreen(*cursor) ? cursor : std::nullopt);
+    const bool over = cursor && other->containsOnScreen(*cursor);
+    other->root.setExternalHover(over ? cursor : std::nullopt);
+    other->root.showCarried(over ? source.root.carriedIn(other->root) : std::nullopt);
   }
 }
 
@@ -240,8 +242,9 @@ void GridCoordinator::passKeyboard(GridPanelController& from, bool backwards) {
   const auto position = static_cast<std::size_t>(found - panels.begin());
   const auto step = backwards ? panels.size() - 1 : 1;
   const auto next = panels[(position + step) % panels.size()];
-  from.setKeyboard(false);
+  // In this order nobody else can have it in between.
   next->setKeyboard(true);
+  from.setKeyboard(false);
 }
 
 bool GridCoordinator::goToBestMatch() {

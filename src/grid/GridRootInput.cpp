@@ -10,11 +10,23 @@ using Kind = GridTarget::Kind;
 
 GridTarget State::targetAt(Point at) const {
   if (const auto place = plus(); place && place->contains(at)) return {Kind::plus};
-  if (const auto hit = layout().hitTestWindow(at)) {
-    return {Kind::window, desktopAt(hit->tile)->spaceID, windowAt(*hit).id};
-  }
+  // What the filter found is drawn in front of what it did not.
+  auto hit = filter.isEmpty() ? std::nullopt : matchAt(at);
+  if (!hit) hit = layout().hitTestWindow(at);
+  if (hit) return {Kind::window, desktopAt(hit->tile)->spaceID, windowAt(*hit).id};
   if (const auto tile = layout().hitTestTile(at)) return {Kind::tile, desktopAt(*tile)->spaceID};
   return {};
+}
+
+std::optional<GridLayout::WindowHit> State::matchAt(Point at) const {
+  const auto tile = layout().hitTestTile(at);
+  if (!tile) return std::nullopt;
+  const auto& rects = layout().thumbRects()[static_cast<std::size_t>(*tile)];
+  const auto& ranks = matches().ranks[static_cast<std::size_t>(*tile)];
+  for (std::size_t i = 0; i < rects.size() && i < ranks.size(); ++i) {
+    if (ranks[i] && rects[i].contains(at)) return GridLayout::WindowHit{*tile, static_cast<int>(i)};
+  }
+  return std::nullopt;
 }
 
 GridTarget State::hovered() const {

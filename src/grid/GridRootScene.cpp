@@ -34,14 +34,16 @@ GridScene State::scene() const {
   if (const auto rect = plus()) {
     scene.plus = {*rect, under.kind == GridTarget::Kind::plus, selectionShown() && plusSelected, busyAdding};
   }
-  if (drag) {
-    if (const auto at = find(drag->fromSpace(), drag->window().id)) {
-      auto window = plainWindow(*at);
-      window.rect = drag->carried();
-      scene.carried = {std::move(window)};
-    }
-  }
+  if (auto window = drag ? carried() : externalCarried) scene.carried = {std::move(*window)};
   return scene;
+}
+
+std::optional<GridScene::Window> State::carried() const {
+  const auto at = drag ? find(drag->fromSpace(), drag->window().id) : std::nullopt;
+  if (!at) return std::nullopt;
+  auto window = plainWindow(*at);
+  window.rect = drag->carried();
+  return window;
 }
 
 GridScene::Tile State::sceneTile(int tile, const GridTarget& under) const {

@@ -55,6 +55,7 @@ struct GridRootState {
   std::optional<GridPress> press;
   std::optional<Point> pointer;
   std::optional<Point> externalHover;  // on the screen
+  std::optional<GridScene::Window> externalCarried;
   /// The pointer moved later than a key was pressed: what it is over is meant.
   bool pointerLeads = false;
 
@@ -98,11 +99,13 @@ struct GridRootState {
   [[nodiscard]] GridScene::Window::Look lookOf(GridLayout::WindowHit at, const GridTarget& under) const;
   /// As it looks when nothing is known of it but what it is.
   [[nodiscard]] GridScene::Window plainWindow(GridLayout::WindowHit at) const;
+  [[nodiscard]] std::optional<GridScene::Window> carried() const;
   [[nodiscard]] std::optional<int> dropTile() const;
   [[nodiscard]] std::string hint() const;
 
   // Pointer
   [[nodiscard]] GridTarget targetAt(Point at) const;
+  [[nodiscard]] std::optional<GridLayout::WindowHit> matchAt(Point at) const;
   /// Nothing during a drag, and where there is no pointer.
   [[nodiscard]] GridTarget hovered() const;
   void pointerMoved(Point at);

@@ -210,6 +210,7 @@ void GridRootView::reset() {
   state.press.reset();
   state.pointer.reset();
   state.externalHover.reset();
+  state.externalCarried.reset();
   state.pointerLeads = false;
   state.keyboard = false;
   state.forgetSelection();
@@ -259,6 +260,20 @@ void GridRootView::setExternalHover(std::optional<Point> at) {
   const auto before = state_->dropTile();
   state_->externalHover = at;
   if (state_->dropTile() != before) state_->owner.redraw();
+}
+
+std::optional<GridScene::Window> GridRootView::carriedIn(const GridRootView& other) const {
+  auto window = state_->carried();
+  if (!window) return std::nullopt;
+  const Point corner = other.rootPoint(screenPoint({window->rect.x, window->rect.y}));
+  window->rect = {corner.x, corner.y, window->rect.width, window->rect.height};
+  return window;
+}
+
+void GridRootView::showCarried(std::optional<GridScene::Window> window) {
+  if (window == state_->externalCarried) return;
+  state_->externalCarried = std::move(window);
+  state_->owner.redraw();
 }
 
 std::optional<GridLayout::DropTarget> GridRootView::externalDropTarget(Point cursor, Point windowTopLeft) const {

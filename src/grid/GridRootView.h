@@ -94,6 +94,10 @@ class GridRootView final : public GridPanelInput {
   [[nodiscard]] Point rootPoint(Point onScreen) const;
   /// A preview of another panel is held over this one; absent: no more.
   void setExternalHover(std::optional<Point> at);
+  /// What is in the user's hand here, where it would be in another panel's root view; absent when nothing is.
+  [[nodiscard]] std::optional<GridScene::Window> carriedIn(const GridRootView& other) const;
+  /// Shows what another panel's user has in hand above this one; absent: nothing any more.
+  void showCarried(std::optional<GridScene::Window> window);
   [[nodiscard]] std::optional<GridLayout::DropTarget> externalDropTarget(Point cursor, Point windowTopLeft) const;
   /// The drag that is under way ends with nothing done.
   void cancelDrag();

@@ -1,6 +1,7 @@
 #include "hotkeys/HotKeyCenter.h"
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <utility>
 
@@ -13,6 +14,8 @@ namespace {
 
 /// "PSTR", which tells this program's hot keys from others in the same event stream.
 constexpr std::uint32_t signature = 0x50535452;
+/// Nobody lets a key go and presses it again in less.
+constexpr auto heldInterval = std::chrono::milliseconds(40);
 
 }  // namespace
 
@@ -25,7 +28,11 @@ void HotKeyCenter::installHandler() {
   if (handlerInstalled_ == &platform()) return;
   platform().hotKeys().setPressHandler([this](HotKeyID pressed) {
     if (pressed.signature != signature) return;
-    platform().dispatch().async([this, id = pressed.id] { fire(id); });
+    platform().dispatch().async([this, id = pressed.id] {
+      const auto found = entries_.find(id);
+      if (found != entries_.end() && held_ == found->second.combo) return;
+      fire(id);
+    });
   });
   handlerInstalled_ = &platform();
 }
@@ -65,8 +72,18 @@ bool HotKeyCenter::press(KeyCombo combo) {
   const auto found =
       std::find_if(entries_.begin(), entries_.end(), [&](const auto& entry) { return entry.second.combo == combo; });
   if (found == entries_.end()) return false;
+  const bool watched = held_.has_value();
+  held_ = combo;
+  if (!watched) watchHeld();
   fire(found->first);
   return true;
+}
+
+void HotKeyCenter::watchHeld() {
+  platform().dispatch().after(heldInterval, [this] {
+    if (held_ && platform().hotKeys().isHeld(*held_)) return watchHeld();
+    held_.reset();
+  });
 }
 
 }  // namespace tessaspaces

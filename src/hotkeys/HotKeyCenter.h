@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +41,9 @@ class HotKeyCenter {
   void fire(std::uint32_t id);
   /// Runs the action of this combo if it is registered: whoever has the whole
   /// keyboard hands in what the system cannot deliver meanwhile. False when it is none.
+  ///
+  /// As long as the key is held, presses of it that the system delivers are its repeats, and are dropped: whoever gives
+  /// the keyboard back at this press is not to get the same key again.
   bool press(KeyCombo combo);
 
   /// What has been refused since the last `unregisterAll`, in order.
@@ -48,6 +52,7 @@ class HotKeyCenter {
 
  private:
   void installHandler();
+  void watchHeld();
 
   struct Entry {
     KeyCombo combo;
@@ -57,6 +62,8 @@ class HotKeyCenter {
   std::vector<HotKeyHandle> refs_;
   std::vector<HotKeyFailure> failures_;
   std::uint32_t nextID_ = 1;
+  /// Handed in, and not let go of since, as far as was looked.
+  std::optional<KeyCombo> held_;
   /// The platform whose presses arrive here; null before the first registration.
   const Platform* handlerInstalled_ = nullptr;
 };

@@ -39,6 +39,8 @@ class HotKeyRegistrar {
   /// A hot key that is still held down may hold the whole keyboard with it: gives that up, so that the program can take
   /// the keyboard by other means at once. On X11 a round trip. Main thread.
   virtual void letGoOfKeyboard() {}
+  /// Whether the combo's key is down at this moment, with whatever modifiers. Asks the system. Main thread.
+  virtual bool isHeld(KeyCombo combo) { return static_cast<void>(combo), false; }
 
   /// Registered combos stopped working, as after a change of the keyboard: registering everything anew tells
   /// which. Main thread.

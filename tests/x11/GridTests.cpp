@@ -235,6 +235,33 @@ TEST_P(Grid, LetsNothingThrough) {
   EXPECT_TRUE(probe().waitFor([&] { return !overview().keyboardIsTaken(); })) << "given back";
 }
 
+TEST_P(Grid, DoesNotFlapUnderAHeldKey) {
+  begin();
+  // Repeats come as soon and as fast as a server sends them.
+  ASSERT_EQ(session().server.run({"xset", "r", "rate", "100", "50"}).status, 0);
+  const auto staysFor = [&](std::size_t panels) {
+    const Deadline deadline(Milliseconds(600));
+    while (!deadline.passed()) {
+      if (overview().panels().size() != panels) return false;
+      std::this_thread::sleep_for(Milliseconds(20));
+    }
+    return true;
+  };
+  session().keyboard.keyDown(Overview::key);
+  ASSERT_TRUE(overview().waitUntilOpen());
+  EXPECT_TRUE(staysFor(1)) << "the key that opened it, still held";
+  session().keyboard.keyUp(Overview::key);
+  ASSERT_TRUE(comesTrue([&] { return overview().keyboardIsTaken(); }));
+  session().keyboard.keyDown(Overview::key);
+  ASSERT_TRUE(overview().waitUntilClosed());
+  EXPECT_TRUE(staysFor(0)) << "the key that closed it, still held";
+  session().keyboard.keyUp(Overview::key);
+  EXPECT_TRUE(comesTrue([&] {
+    session().keyboard.press(Overview::key);
+    return overview().waitUntilOpen(Milliseconds(300));
+  })) << "let go of and pressed again";
+}
+
 TEST_P(Grid, SpansTwoMonitors) {
   beginOnTwoMonitors();
   const xcb_window_t window = session().client.open(

@@ -51,6 +51,18 @@ void X11HotKeys::letGoOfKeyboard() {
   pump_.drainLater();
 }
 
+bool X11HotKeys::isHeld(KeyCombo combo) {
+  prepare();
+  auto& channel = connection_.events();
+  const auto keymap = channel.await<xcb_query_keymap_reply>(channel.send<xcb_query_keymap>());
+  pump_.drainLater();
+  if (!keymap) return false;
+  const auto keys = keysOf(combo);
+  return std::any_of(keys.begin(), keys.end(), [&](const Key& key) {
+    return (keymap->keys[key.keycode / 8] & 1U << key.keycode % 8) != 0;
+  });
+}
+
 void X11HotKeys::handle(const xcb_generic_event_t& event) {
   switch (eventType(event)) {
     case XCB_KEY_PRESS: pressed(eventAs<xcb_key_press_event_t>(event)); break;

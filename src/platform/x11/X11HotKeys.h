@@ -24,6 +24,7 @@ class X11HotKeys : public HotKeyRegistrar, public EventListener {
   HotKeyRegistration registerHotKey(KeyCombo combo, HotKeyID id) override;
   void unregisterHotKey(HotKeyHandle handle) override;
   void letGoOfKeyboard() override;
+  bool isHeld(KeyCombo combo) override;
 
   void handle(const xcb_generic_event_t& event) override;
   void eventsDrained() override;

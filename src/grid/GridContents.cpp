@@ -34,7 +34,9 @@ std::vector<std::string> displaysOf(const ScreenRef& screen) {
   const auto id = Spaces::directDisplayID(screen);
   if (const auto uuid = Spaces::displayUUID(screen)) displays.push_back(*uuid);
   if (!id || !screen->inMirrorSet) return displays;
-  const auto masterOf = [](const Screen& each) { return each.mirrors != 0 ? each.mirrors : each.displayID.value_or(0); };
+  const auto masterOf = [](const Screen& each) {
+    return each.mirrors != 0 ? each.mirrors : each.displayID.value_or(0);
+  };
   for (const auto& other : platform().screens().screens()) {
     const auto uuid = Spaces::displayUUID(other);
     if (uuid && other->displayID != *id && masterOf(*other) == masterOf(*screen)) displays.push_back(*uuid);
@@ -77,13 +79,16 @@ GridContents::~GridContents() = default;
 
 void GridContents::prepare() {
   readSnapshot();
-  if (!std::exchange(captureAsked_, true)) platform().windowCapture().begin();
   learnNames();
+}
+
+void GridContents::keepPreviews() {
+  if (!std::exchange(captureAsked_, true)) platform().windowCapture().begin();
 }
 
 void GridContents::renew() {
   readSnapshot();
-  if (!std::exchange(captureAsked_, true)) platform().windowCapture().begin();
+  keepPreviews();
   takePreviews(windows());
 }
 

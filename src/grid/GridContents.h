@@ -33,9 +33,12 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   GridContents(const GridContents&) = delete;
   GridContents& operator=(const GridContents&) = delete;
 
-  /// A snapshot, with icons and names of what runs by now; previews are kept from now on. Long before an opening: what
-  /// takes its time the first time is then at hand.
+  /// A snapshot, with icons and names of what runs by now. Long before an opening: what takes its time the first time
+  /// is then at hand.
   void prepare();
+  /// Windows that are on screen, now or later, have a preview from now on. Once their size is known (setPreviewLimits):
+  /// another size makes them all anew.
+  void keepPreviews();
   /// Everything anew for an opening, the previews of windows on screen brought up to date. Waits for the system: the
   /// snapshot is one batch of requests, the previews another. Announces nothing.
   void renew();

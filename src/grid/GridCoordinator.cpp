@@ -116,6 +116,7 @@ void GridCoordinator::prepare() {
     }
   }
   fitPreviews();
+  contents_->keepPreviews();
   contents_->complete();
 }
 
@@ -150,6 +151,10 @@ void GridCoordinator::show(const ScreenRef& focusedOn) {
   if (const auto panel = controller(primary)) panel->show(primary, true);
   Log::debug("GRID shown on {} display(s), keyboard on {}", visiblePanels().size(), primary->name);
   contents_->complete();
+  // With more or fewer desktops the tiles have another size.
+  platform().dispatch().async([weak = std::weak_ptr(self_)] {
+    if (const auto self = weak.lock()) self->fitPreviews();
+  });
 }
 
 bool GridCoordinator::isVisible() const {

@@ -306,7 +306,7 @@ TEST_F(Panel, FollowsTheSystemWhileItIsOpen) {
   EXPECT_THAT(panel.windows("B"), Contains(editor));
   EXPECT_LE(world().calls(Operation::copyWindowInfo).size(), 3U) << "taken in together";
 
-  const auto picture = std::make_shared<const Image>(Image{2, 1, {0xFF123456, 0xFF123456}});
+  const auto picture = std::make_shared<const Image>(Image{1, 1, {0xFF123456}});
   world().showSpace(2);
   const auto web = id("Web");
   sim->pictures().draw(web, picture);

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "grid/ScreenGeometry.h"
 #include "model/DisplayScreens.h"
 #include "model/Snapshot.h"
 #include "platform/Platform.h"
@@ -103,16 +104,38 @@ void GridContents::complete() {
 
 void GridContents::readSnapshot() {
   lastRefresh_ = platform().dispatch().now();
+  // One batch for both.
+  const auto reading = platform().windowServer().beginRead();
   auto fresh = Spaces::enumerate();
   // There is no display without a desktop: the window server gave no answer.
   if (fresh.desktops.empty()) return;
   snapshot_ = std::move(fresh);
+  fullScreen_.clear();
+  for (const auto& info : platform().windowList().copyWindowInfo(WindowListOption::all).value_or(std::vector<WindowInfo>{})) {
+    if (info.fullScreen.value_or(false) && info.number) fullScreen_.insert(*info.number);
+  }
   expected_.apply(snapshot_);
   for (const auto& desktop : snapshot_.desktops) {
     for (std::size_t i = 0; i < desktop->windows.size(); ++i) {
       auto& thumb = desktop->thumbs[i];
       if (!thumb) thumb = platform().windowCapture().preview(desktop->windows[i].id);
     }
+  }
+  nameFullScreenApplications();
+}
+
+// Where a full-screen window makes no space of its own, as on X11, it covers an ordinary desktop.
+void GridContents::nameFullScreenApplications() {
+  for (const auto& desktop : snapshot_.desktops) {
+    if (fullScreen_.empty() || desktop->frontmostFullscreenAppName || !desktop->screen) continue;
+    const Rect screen = ScreenGeometry::flipped(desktop->screen->frame);
+    const auto covering = std::find_if(desktop->windows.begin(), desktop->windows.end(), [&](const auto& window) {
+      return fullScreen_.contains(window.id) && screen.contains(window.bounds.center());
+    });
+    if (covering == desktop->windows.end()) continue;
+    const auto name = names_.find(covering->pid);
+    if (name == names_.end()) continue;
+    desktop->frontmostFullscreenAppName = name->second.empty() ? covering->title : name->second;
   }
 }
 
@@ -133,6 +156,7 @@ void GridContents::learnNames() {
     }
   }
   names_ = std::move(names);
+  nameFullScreenApplications();
   if (learned) changed.emit(Change::names);
 }
 

@@ -79,6 +79,7 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   void readSnapshot();
   void refresh();
   void learnNames();
+  void nameFullScreenApplications();
   void takePreviews(const std::vector<WindowID>& windows);
   [[nodiscard]] std::vector<WindowID> windows() const;
   void previewsChanged(const std::vector<WindowID>& windows);
@@ -87,6 +88,8 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   ScopedConnection backgroundsChanged_;
   SpacesSnapshot snapshot_;
   std::map<std::int32_t, std::string> names_;
+  /// The windows of the snapshot that are in full screen.
+  std::set<WindowID> fullScreen_;
   ExpectedMoves expected_;
   bool captureAsked_ = false;
   std::optional<PreviewLimits> previewLimits_;

@@ -304,7 +304,7 @@ TEST_F(Panel, FollowsTheSystemWhileItIsOpen) {
   advance(200ms);
   EXPECT_THAT(panel.windows("A"), IsEmpty());
   EXPECT_THAT(panel.windows("B"), Contains(editor));
-  EXPECT_LE(world().calls(Operation::copyWindowInfo).size(), 3U) << "taken in together";
+  EXPECT_LE(world().calls(Operation::copyManagedDisplaySpaces).size(), 3U) << "taken in together";
 
   const auto picture = std::make_shared<const Image>(Image{1, 1, {0xFF123456}});
   world().showSpace(2);
@@ -329,6 +329,18 @@ TEST_F(Panel, FollowsTheSystemWhileItIsOpen) {
   advance(5s);
   EXPECT_EQ(panel.drawn, drawn);
   EXPECT_FALSE(world().asked(Operation::copyWindowInfo)) << "nothing is asked while it is closed";
+}
+
+TEST_F(Panel, NamesWhatCoversADesktop) {
+  startGrid(two);
+  world().addApplication({777, "Player", std::nullopt});
+  world().addWindow({.title = "Film", .pid = 777, .space = 2, .bounds = {0, 0, 960, 1080}, .fullScreen = true});
+  world().addWindow({.title = "Nobody's", .pid = 778, .space = 5, .bounds = {960, 0, 960, 1080}, .fullScreen = true});
+  open();
+  advance(2s);
+  EXPECT_EQ(view("left").tile("B").fullScreenApplication, "Player");
+  EXPECT_EQ(view("left").tile("A").fullScreenApplication, "");
+  EXPECT_EQ(view("right").tile("Y").fullScreenApplication, "Nobody's") << "an unknown application has its title";
 }
 
 TEST_F(Panel, ADragIsNotDisturbed) {

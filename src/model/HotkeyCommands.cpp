@@ -185,9 +185,7 @@ WindowMovePlan planMoveFocusedWindow(GridDirection direction) {
 }
 
 bool carryOut(const WindowMovePlan& plan) {
-  const auto begun = beginMove(plan);
-  if (begun) platform().dispatch().sleep(WindowMove::settleTime);
-  return endMove(plan, begun.get());
+  return endMove(plan, beginMove(plan).get());
 }
 
 bool switchToNeighbor(GridDirection direction, SwitchCompletion completion) {

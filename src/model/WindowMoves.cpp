@@ -66,6 +66,12 @@ constexpr Method methods[] = {
     {"SLSAddWindowsToSpaces+SLSRemoveWindowsFromSpaces", askByAddingAndRemoving},
 };
 
+MoveResult tryMove(WindowID window, SpaceID toSpace) {
+  WindowMove moving(window, toSpace);
+  moving.start();
+  return moving.finish();
+}
+
 }  // namespace
 
 WindowMove::WindowMove(WindowID window, SpaceID toSpace) : window_(window), toSpace_(toSpace) {
@@ -89,13 +95,17 @@ bool WindowMove::isOver() const {
 
 void WindowMove::start() {
   methods[0].ask(window_, toSpace_);
+  started_ = platform().dispatch().now();
 }
 
 MoveResult WindowMove::finish() {
+  auto& dispatch = platform().dispatch();
   for (const auto& method : methods) {
     if (&method != &methods[0]) {
       method.ask(window_, toSpace_);
-      platform().dispatch().sleep(settleTime);
+      dispatch.sleep(settleTime);
+    } else if (const auto left = started_ + settleTime - dispatch.now(); left > Duration::zero()) {
+      dispatch.sleep(left);
     }
     if (isOver()) {
       Log::debug("MOVE: overtaken [{}] -> space {}", window_, toSpace_);
@@ -111,17 +121,12 @@ MoveResult WindowMove::finish() {
 }
 
 bool move(WindowID window, SpaceID toSpace) {
-  WindowMove moving(window, toSpace);
-  moving.start();
-  platform().dispatch().sleep(WindowMove::settleTime);
-  return moving.finish() == MoveResult::moved;
+  return tryMove(window, toSpace) == MoveResult::moved;
 }
 
 MoveResult tryMoveOtherAppWindow(WindowID window, SpaceID toSpace) {
-  if (!movesWindowsNatively()) return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
-  WindowMove moving(window, toSpace);
-  moving.start();
-  return moving.finish();
+  if (movesWindowsNatively()) return tryMove(window, toSpace);
+  return YabaiBridge::moveWindow(window, toSpace) ? MoveResult::moved : MoveResult::failed;
 }
 
 bool moveOtherAppWindow(WindowID window, SpaceID toSpace) {

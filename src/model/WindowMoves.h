@@ -28,8 +28,8 @@ class WindowMove {
 
   /// Makes the first request, which nearly always is enough, and does not wait for the window. Once; any thread.
   void start();
-  /// Looks what came of it, and makes the other requests as far as they are needed: `settleTime` after `start`, once.
-  /// Blocks for up to 0.54 s, so it belongs off the main thread.
+  /// Looks what came of it, not before `settleTime` after `start`, and makes the other requests as far as they are
+  /// needed. Once. Blocks for up to 0.72 s, so it belongs off the main thread.
   MoveResult finish();
 
  private:
@@ -38,6 +38,7 @@ class WindowMove {
   const WindowID window_;
   const SpaceID toSpace_;
   std::uint64_t number_ = 0;
+  TimePoint started_;
 };
 
 /// Such a move from beginning to end: true when the window ended up on the desktop. Blocks for up to 0.72 s, off the

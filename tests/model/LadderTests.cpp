@@ -307,8 +307,10 @@ TEST_F(Ladder, MovesTheFocusedWindowOnBothSidesOfTheSwitchPoint) {
 TEST_F(Ladder, OtherApplicationsWindowsGoTheSystemsOwnWay) {
   start("left 960x1080 | A* [Editor] B", newSystem);
   const WindowID window = Spaces::ids(1).at(0);
+  fault([](SimulatedFaults& faults) { faults.delayed[Operation::bridgedMoveWindows] = 100ms; });
   EXPECT_TRUE(Spaces::moveOtherAppWindow(window, 2));
   EXPECT_THAT(world().spacesOf(window), ElementsAre(2u));
+  EXPECT_FALSE(world().asked(Operation::moveWindowsToManagedSpace)) << "the window has time to arrive";
   EXPECT_THAT(client.takeCalls(), IsEmpty());
 
   start("left 960x1080 | A* [Editor] B", oldSystem);

@@ -39,9 +39,9 @@ Overview::Overview()
     : system_(makePanelSystem()),
       coordinator_(panelWindows(*system_), backgrounds_),
       lock_([this] {
-        if (!coordinator_.isVisible()) return;
+        if (!coordinator_.isOnScreen()) return;
         Log::info("GRID: the screen is locked — open grids closed");
-        coordinator_.close();
+        coordinator_.hide();
       }) {
   // The system delivers no hot keys while a panel has the keyboard.
   coordinator_.hotKeyPressed = [](KeyCombo combo) { return HotKeyCenter::shared().press(combo); };
@@ -91,7 +91,8 @@ void Overview::learnSoon() {
 }
 
 void Overview::learn() {
-  if (coordinator_.isVisible()) return;
+  // What is on the screen now is the overview itself.
+  if (coordinator_.isOnScreen()) return learnSoon();
   for (const ScreenRef& screen : Spaces::distinctScreens()) {
     const auto display = Spaces::displayUUID(screen);
     if (!display) continue;

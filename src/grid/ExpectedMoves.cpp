@@ -31,9 +31,14 @@ SpaceWindow* find(DesktopInfo& desktop, WindowID id) {
 
 }  // namespace
 
-ExpectedMoves::Number ExpectedMoves::add(const SpaceWindow& window, SpaceID from, SpaceID to) {
-  moves_[window.id] = {++last_, window, from, to};
+ExpectedMoves::Number ExpectedMoves::add(const SpaceWindow& window, SpaceID to, bool leaves) {
+  moves_[window.id] = {++last_, window, to, leaves};
   return last_;
+}
+
+bool ExpectedMoves::isLeaving(WindowID window) const {
+  const auto found = moves_.find(window);
+  return found != moves_.end() && found->second.leaves;
 }
 
 bool ExpectedMoves::remove(WindowID window, Number number) {
@@ -48,7 +53,7 @@ void ExpectedMoves::apply(SpacesSnapshot& snapshot) const {
     std::optional<Entry> taken;
     // Displays that share their desktops list each of them once more.
     for (const auto& desktop : snapshot.desktops) {
-      if (desktop->spaceID != move.from || move.from == move.to) continue;
+      if (!move.leaves || desktop->spaceID == move.to) continue;
       if (auto entry = take(*desktop, id)) taken = entry;
     }
     for (const auto& desktop : snapshot.desktops) {

@@ -20,6 +20,8 @@ constexpr Duration refreshPause = 100ms;
 constexpr Duration slowRefresh = 1s;
 /// How long a window manager may take until a window that was placed is where it belongs.
 constexpr Duration arrivalTime = 300ms;
+/// Between two questions for the names of applications that had none.
+constexpr Duration namelessPause = 10s;
 
 /// Another object for each desktop: the old ones may be read by a switch that is under way.
 SpacesSnapshot copyOf(const SpacesSnapshot& snapshot) {
@@ -141,18 +143,22 @@ void GridContents::nameFullScreenApplications() {
 
 void GridContents::learnNames() {
   bool learned = false;
+  // An application may come to have a name after its first window; but asking costs, and some never have one.
+  const auto now = platform().dispatch().now();
+  const bool askAgain = now >= nextAskAgain_;
+  if (askAgain) nextAskAgain_ = now + namelessPause;
   std::map<std::int32_t, std::string> names;
   for (const auto& desktop : snapshot_.desktops) {
     for (const auto& window : desktop->windows) {
       if (names.contains(window.pid)) continue;
       const auto known = names_.find(window.pid);
-      if (known != names_.end()) {
+      if (known != names_.end() && (!known->second.empty() || !askAgain)) {
         names.insert(*known);
         continue;
       }
       const auto application = platform().applications().running(window.pid);
-      names[window.pid] = application ? application->localizedName : "";
-      learned = true;
+      auto& name = names[window.pid] = application ? application->localizedName : "";
+      learned = learned || known == names_.end() || known->second != name;
     }
   }
   names_ = std::move(names);
@@ -264,8 +270,8 @@ void GridContents::previewsChanged(const std::vector<WindowID>& windows) {
   changed.emit(Change::pictures);
 }
 
-ExpectedMoves::Number GridContents::expectMove(const SpaceWindow& window, SpaceID from, SpaceID to) {
-  const auto number = expected_.add(window, from, to);
+ExpectedMoves::Number GridContents::expectMove(const SpaceWindow& window, SpaceID to, bool leaves) {
+  const auto number = expected_.add(window, to, leaves);
   snapshot_ = copyOf(snapshot_);
   expected_.apply(snapshot_);
   changed.emit(Change::desktops);

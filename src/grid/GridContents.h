@@ -64,7 +64,9 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   void refreshSoon();
 
   /// The window is shown as if it stood there already, on that space, until `moveArrived` or `moveFailed`.
-  ExpectedMoves::Number expectMove(const SpaceWindow& window, SpaceID from, SpaceID to);
+  ExpectedMoves::Number expectMove(const SpaceWindow& window, SpaceID to, bool leaves);
+  /// It is shown on a desktop that it is still on its way to.
+  [[nodiscard]] bool isLeaving(WindowID window) const { return expected_.isLeaving(window); }
   /// The system has been told: shown as expected for a moment longer, then as it is.
   void moveArrived(WindowID window, ExpectedMoves::Number number);
   /// Shown as it is, at once. False: another move of the same window was expected meanwhile.
@@ -88,6 +90,7 @@ class GridContents : public std::enable_shared_from_this<GridContents> {
   ScopedConnection backgroundsChanged_;
   SpacesSnapshot snapshot_;
   std::map<std::int32_t, std::string> names_;
+  TimePoint nextAskAgain_{};
   /// The windows of the snapshot that are in full screen.
   std::set<WindowID> fullScreen_;
   ExpectedMoves expected_;

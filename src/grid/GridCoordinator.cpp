@@ -162,6 +162,15 @@ bool GridCoordinator::isVisible() const {
                      [](const auto& entry) { return entry.second->isVisible(); });
 }
 
+bool GridCoordinator::isOnScreen() const {
+  return std::any_of(controllers_.begin(), controllers_.end(),
+                     [](const auto& entry) { return entry.second->isOnScreen(); });
+}
+
+void GridCoordinator::hide() {
+  for (const auto& [id, panel] : std::map(controllers_)) panel->close();
+}
+
 std::vector<std::shared_ptr<GridPanelController>> GridCoordinator::visiblePanels() const {
   std::vector<Panel> panels;
   for (const auto& screen : Spaces::distinctScreens()) {

@@ -35,8 +35,12 @@ class GridCoordinator {
   /// that is not there: on the first. Nothing with no displays. What is open takes in what is new.
   void show(const ScreenRef& focusedOn);
   [[nodiscard]] bool isVisible() const;
+  /// A panel covers its screen, be it on its way out.
+  [[nodiscard]] bool isOnScreen() const;
   /// At once.
   void close();
+  /// The same, and ends what panels do on their way out.
+  void hide();
   void closeAnimated();
   /// Each panel that is visible, between the standard and the exploded view.
   void toggleGridView();

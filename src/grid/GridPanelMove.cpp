@@ -23,6 +23,8 @@ struct GridPanelController::Transfer {
   /// Where the preview was let go: its top left, on the screen.
   Point dropped;
   ExpectedMoves::Number expected = 0;
+  /// It goes to another desktop, and does not only get another place.
+  bool leaves = false;
 };
 
 namespace {
@@ -61,9 +63,10 @@ void GridPanelController::performMove(WindowID id, SpaceID from, const DesktopRe
   const auto* window = source ? find(*source, id) : nullptr;
   if (window == nullptr || !to || !to->screen) {
     Log::debug("DROP: window {} or its desktop is gone — not moved", id);
+    if (window != nullptr) root.returnPreview(id, from, shownOn.root.screenPoint(dropInRoot));
     return;
   }
-  Transfer transfer{*window, from, to->spaceID, std::nullopt, shownOn.root.screenPoint(dropInRoot), 0};
+  Transfer transfer{*window, from, to->spaceID, std::nullopt, shownOn.root.screenPoint(dropInRoot)};
   if (from != to->spaceID && find(*to, id) != nullptr) {
     Log::debug("DROP: window {} is on both desktops — not moved", id);
     root.returnPreview(id, from, transfer.dropped);
@@ -78,22 +81,27 @@ void GridPanelController::performMove(WindowID id, SpaceID from, const DesktopRe
                                   &shownOn != this};
     transfer.frame = placement.frame();
   }
-  if (from == to->spaceID && !transfer.frame) return;
+  // A window that is still on its way here has to arrive before it can be given a place.
+  transfer.leaves = from != to->spaceID || contents_->isLeaving(id);
+  if (!transfer.leaves && !transfer.frame) {
+    root.returnPreview(id, from, transfer.dropped);
+    return;
+  }
   auto moved = transfer.window;
   if (transfer.frame) moved.bounds = *transfer.frame;
-  transfer.expected = contents_->expectMove(moved, from, to->spaceID);
+  transfer.expected = contents_->expectMove(moved, to->spaceID, transfer.leaves);
   transferWindow(std::move(transfer));
 }
 
 void GridPanelController::transferWindow(Transfer transfer) {
   auto& dispatch = platform().dispatch();
   dispatch.background([weak = weak_from_this(), contents = std::weak_ptr(contents_), transfer = std::move(transfer)] {
-    const auto& [window, from, to, frame, dropped, expected] = transfer;
+    const auto& window = transfer.window;
     auto result = Spaces::MoveResult::moved;
-    if (from != to) result = Spaces::tryMoveOtherAppWindow(window.id, to);
-    if (result == Spaces::MoveResult::moved && frame && !place(window, *frame)) {
+    if (transfer.leaves) result = Spaces::tryMoveOtherAppWindow(window.id, transfer.to);
+    if (result == Spaces::MoveResult::moved && transfer.frame && !place(window, *transfer.frame)) {
       Log::warning("MOVE: window {} could not be placed", window.id);
-      if (from == to) result = Spaces::MoveResult::failed;
+      if (!transfer.leaves) result = Spaces::MoveResult::failed;
     }
     platform().dispatch().async([weak, contents, transfer, result] {
       if (const auto known = contents.lock(); known && result != Spaces::MoveResult::failed) {
@@ -112,15 +120,21 @@ void GridPanelController::transferWindow(Transfer transfer) {
 void GridPanelController::transferFailed(const Transfer& transfer) {
   // The user has dropped it somewhere else meanwhile: that is what counts.
   if (!contents_->moveFailed(transfer.window.id, transfer.expected)) return;
-  const auto source = desktopOf(transfer.from);
-  if (isVisible() && (!source || find(*source, transfer.window.id) == nullptr)) {
+  // Where it really is: an earlier drop may have been on its way when this one began.
+  const auto stands = [&](const DesktopRef& desktop) { return desktop && find(*desktop, transfer.window.id) != nullptr; };
+  auto source = desktopOf(transfer.from);
+  if (!stands(source)) {
+    const auto found = std::find_if(snapshot_.desktops.begin(), snapshot_.desktops.end(), stands);
+    source = found == snapshot_.desktops.end() ? nullptr : *found;
+  }
+  if (isVisible() && !source) {
     Log::debug("MOVE: window {} is gone — not moved", transfer.window.id);
     return;
   }
   Log::warning("MOVE: window {} stays on space {}: it could not be moved to space {}", transfer.window.id,
                transfer.from, transfer.to);
   if (!isVisible()) return;
-  root.returnPreview(transfer.window.id, transfer.from, transfer.dropped);
+  root.returnPreview(transfer.window.id, source->spaceID, transfer.dropped);
   const auto& title = transfer.window.title;
   view_->alert(L10n::t("grid.alert.moveFailed.title"),
                title.empty() ? L10n::t("grid.alert.moveFailed.untitled") : L10n::t("grid.alert.moveFailed.body", title));

@@ -71,6 +71,7 @@ void GridPanelController::performSwitch(SpaceID space, std::function<void()> aft
   const auto target = desktopOf(space);
   if (!target) {
     Log::error("SWITCH: space {} not in snapshot", space);
+    startIdleWindowRefresh();
     return;
   }
   restoreSystemChrome(false);

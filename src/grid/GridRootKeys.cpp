@@ -172,10 +172,11 @@ void State::removeSomething() {
   if (under.kind == Kind::window) return close(under.space, under.window);
   if (!filter.isEmpty()) {
     const auto& best = matches().best;
-    if (best) close(desktopAt(best->tile)->spaceID, windowAt(*best).id);
+    if (best && bestIsMeant()) close(desktopAt(best->tile)->spaceID, windowAt(*best).id);
     return;
   }
-  const auto desktop = selectionShown() ? selectedDesktop() : nullptr;
+  const auto pointed = under.kind == Kind::tile ? tileOf(under.space) : std::nullopt;
+  const auto desktop = pointed ? desktopAt(*pointed) : selectionShown() ? selectedDesktop() : nullptr;
   if (desktop && isRemovable(*desktop)) owner.removeDesktop(desktop);
 }
 

@@ -116,7 +116,9 @@ std::vector<GridMenuItem> State::windowMenu(const GridTarget& target) {
 std::vector<GridMenuItem> State::tileMenu(const GridTarget& target) {
   const auto space = target.space;
   std::vector<GridMenuItem> items;
-  items.push_back(item("grid.menu.goThere", [this, space] { owner.handle(GridActions::SwitchSpace{space}); }));
+  items.push_back(item("grid.menu.goThere", [this, space] {
+    if (tileOf(space)) owner.handle(GridActions::SwitchSpace{space});
+  }));
   items.push_back(item("grid.menu.rename", [this, space] { renameDesktop(space); }));
   items.push_back(item("grid.menu.removeDesktop", [this, space] { removeDesktop(space); }));
   const auto tile = tileOf(space);

@@ -94,7 +94,7 @@ Look State::lookOf(GridLayout::WindowHit at, const GridTarget& under) const {
   const auto window = windowAt(at).id;
   if (drag && drag->fromSpace() == space && drag->window().id == window) return Look::lifted;
   const auto& found = matches();
-  if (found.best && found.best->tile == at.tile && found.best->window == at.window) return Look::best;
+  if (bestIsMeant() && found.best && found.best->tile == at.tile && found.best->window == at.window) return Look::best;
   if (under == GridTarget{GridTarget::Kind::window, space, window}) return Look::hovered;
   if (filter.isEmpty()) return Look::plain;
   const auto matched = found.ranks[static_cast<std::size_t>(at.tile)][static_cast<std::size_t>(at.window)];

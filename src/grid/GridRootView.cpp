@@ -83,7 +83,9 @@ const GridMatches& State::matches() const {
       if (!rank) continue;
       ranks[static_cast<std::size_t>(i)] = rank;
       ++found.count;
-      if (bestRank && *bestRank <= *rank) continue;
+      // A window that is on several desktops is to be had on the one that is shown.
+      const bool same = bestRank == rank && windowAt(*found.best).id == window.id && desktopAt(tile)->isCurrent;
+      if (bestRank && *bestRank <= *rank && !same) continue;
       bestRank = rank;
       found.best = {tile, i};
     }

@@ -1,9 +1,14 @@
 #include "model/Switching.h"
 
+#include <algorithm>
 #include <memory>
 #include <span>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "bridges/DisplaySpaces.h"
+#include "bridges/SkyLightBridge.h"
 #include "bridges/YabaiBridge.h"
 #include "model/LastSwitchMethod.h"
 #include "model/Snapshot.h"
@@ -55,6 +60,19 @@ bool performSwitchTo(const DesktopRef& desktop, const SwitchRequest& request) {
   return false;
 }
 
+/// The other displays that list the same desktop: they have gone there with it.
+std::vector<std::string> sharing(const DesktopInfo& desktop) {
+  std::vector<std::string> others;
+  for (const auto& display : SLS::copyManagedDisplaySpaces().value_or(std::vector<ManagedDisplay>{})) {
+    const auto& identifier = display.displayIdentifier;
+    if (!identifier || *identifier == desktop.displayUUID || !display.spaces) continue;
+    const bool lists = std::any_of(display.spaces->begin(), display.spaces->end(),
+                                   [&](const ManagedSpace& space) { return idOf(space) == desktop.spaceID; });
+    if (lists) others.push_back(*identifier);
+  }
+  return others;
+}
+
 void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completion) {
   // The order in which switches are asked for counts, not the one in which threads come to them.
   platform().dispatch().background(
@@ -70,7 +88,9 @@ void switchToOffMainThread(const DesktopRef& desktop, SwitchCompletion completio
 bool switchTo(const DesktopRef& desktop, const SwitchRequest& request) {
   if (!performSwitchTo(desktop, request)) return false;
   // A later switch may have arrived, and been noted, meanwhile.
-  if (!request.overtakenBy()) rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
+  if (request.overtakenBy()) return true;
+  rememberActiveSpace(desktop->spaceID, desktop->displayUUID);
+  for (const auto& display : sharing(*desktop)) rememberActiveSpace(desktop->spaceID, display);
   return true;
 }
 

@@ -131,6 +131,28 @@ TEST_F(PanelMoves, AFailureBringsThePreviewBackAndSaysSo) {
   EXPECT_THAT(panel.flights, SizeIs(2));
 }
 
+TEST_F(PanelMoves, ADropOnTheWayElsewhereComesBackToWhereTheWindowIs) {
+  startGrid("left 1920x1080 | A* [Mail] B C");
+  fault([](SimulatedFaults& faults) { faults.ignoreMoveMethods(4); });
+  open();
+  auto& panel = view("left");
+  const auto mail = id("Mail");
+  const auto home = panel.window("A", mail).rect;
+  const auto first = grip(panel, home, panel, "B", 0.1, 0.1);
+  panel.drag(first.from, first.to);
+  const auto second = grip(panel, panel.window("B", mail).rect, panel, "C", 0.1, 0.1);
+  panel.drag(second.from, second.to);
+  world().showSpace(2);
+  advance(150ms);
+  EXPECT_THAT(panel.windows("C"), ElementsAre(mail)) << "news do not take it back to where it really is yet";
+  EXPECT_THAT(panel.windows("A"), IsEmpty());
+  advance(5s);
+  EXPECT_THAT(panel.windows("A"), ElementsAre(mail));
+  EXPECT_THAT(panel.alerts, SizeIs(1));
+  ASSERT_THAT(panel.flights, SizeIs(1));
+  EXPECT_EQ(panel.flights[0].to, home);
+}
+
 TEST_F(PanelMoves, TheLastDropOfAWindowCounts) {
   startGrid("left 1920x1080 | A* [Mail] B C");
   open();

@@ -204,6 +204,9 @@ TEST_F(Panel, ASpaceThatIsNotThereIsAnErrorAndNothingElse) {
   EXPECT_THAT(takeLog(),
               ElementsAre("[DEBUG] ACTION DIAG: switchSpace(77)", "[ERROR] SWITCH: space 77 not in snapshot"));
   EXPECT_TRUE(view("left").isUp && view("left").keyboard);
+  world().removeWindow(id("Mail"));
+  advance(500ms);
+  EXPECT_THAT(view("left").windows("A"), ElementsAre(id("Editor"))) << "it follows the system as before";
 }
 
 TEST_F(Panel, SwitchChecksSayWhetherItHolds) {

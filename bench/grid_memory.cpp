@@ -117,7 +117,8 @@ int main(int argc, char** argv) {
     fmt::print("  {:<34}{:>10}{:>10}{:>10}{:>10}\n", "", "program", "pixmaps", "sum", "X server");
     print("all windows seen once", bench.account());
     bench.stage().overview.open();
-    print("open for the first time", bench.account());
+    const Account open = bench.account();
+    print("open for the first time", open);
     bench.stage().overview.close();
     bench.openAndClose(9);
     const Account few = bench.account();
@@ -127,7 +128,9 @@ int main(int argc, char** argv) {
     const Account many = bench.account();
     print(fmt::format("closed after {} openings", openings), many);
     const auto idleAfter = bench.idle();
-    fmt::print("\n  growth from 10 to {} openings: program {:+.1f}, pixmaps {:+.1f}, X server {:+.1f}\n", openings,
+    fmt::print("\n  with 100 previews: {:.1f} MB resident, {:.1f} MB with the pixmaps; wanted < 120\n", open.program / 1e6,
+               (open.program + open.pixmaps) / 1e6);
+    fmt::print("  growth from 10 to {} openings: program {:+.1f}, pixmaps {:+.1f}, X server {:+.1f}\n", openings,
                mebibytes(many.program - few.program), mebibytes(many.pixmaps - few.pixmaps),
                mebibytes(many.server - few.server));
     fmt::print("  processor while closed: program {:.1f} % then {:.1f} %, X server {:.1f} % then {:.1f} %\n",

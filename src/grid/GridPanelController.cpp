@@ -16,9 +16,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A menu of another program that has the keyboard closes soon, or not at all.
+/// A menu of another program that has the keyboard closes soon, or not for a while.
 constexpr Duration keyboardPatience = 300ms;
 constexpr Duration keyboardPause = 20ms;
+constexpr Duration keyboardLongPause = 250ms;
 
 using Direction = GridPanelView::Zoom::Direction;
 
@@ -271,17 +272,23 @@ void GridPanelController::restoreSystemChrome(bool /*restoreFocus*/) {
 // The keyboard.
 
 void GridPanelController::setKeyboard(bool keyboard) {
-  if (keyboard != keyboard_) {
-    // What one panel lets go of must not be what another one has just taken: only the one that has it does.
-    if (!keyboard) restoreSystemChrome(false);
-    keyboard_ = keyboard;
-    root.setKeyboard(keyboard);
-    redraw();
-  }
+  // What one panel lets go of must not be what another one has just taken: only the one that has it does.
+  const bool had = keyboard_;
+  if (!keyboard) restoreSystemChrome(false);
+  keyboard_ = had;
+  showKeyboard(keyboard);
   holdKeyboard();
 }
 
+void GridPanelController::showKeyboard(bool keyboard) {
+  if (keyboard == keyboard_) return;
+  keyboard_ = keyboard;
+  root.setKeyboard(keyboard);
+  redraw();
+}
+
 void GridPanelController::holdKeyboard() {
+  if (!keyboard_) ++keyboardWish_;  // nor is it tried any more
   if (keyboard_) tryKeyboard(++keyboardWish_, platform().dispatch().now() + keyboardPatience);
 }
 
@@ -289,16 +296,17 @@ void GridPanelController::tryKeyboard(std::uint64_t wish, TimePoint until) {
   if (wish != keyboardWish_ || !isVisible()) return;
   // The hot key that opened the overview is still down perhaps, and holds the keyboard with it.
   platform().hotKeys().letGoOfKeyboard();
-  if (view_->takeKeyboard()) return;
-  auto& dispatch = platform().dispatch();
-  if (dispatch.now() >= until) {
-    Log::warning("GRID: keyboard held by another program");
-    keyboard_ = false;
-    root.setKeyboard(false);
-    redraw();
+  if (view_->takeKeyboard()) {
+    showKeyboard(true);
     return;
   }
-  dispatch.after(keyboardPause, [weak = weak_from_this(), wish, until] {
+  auto& dispatch = platform().dispatch();
+  if (keyboard_ && dispatch.now() >= until) {
+    Log::warning("GRID: keyboard held by another program");
+    showKeyboard(false);
+  }
+  // What is typed must not go to windows that nobody sees: the panel has it as soon as the other program lets go.
+  dispatch.after(keyboard_ ? keyboardPause : keyboardLongPause, [weak = weak_from_this(), wish, until] {
     if (const auto self = weak.lock()) self->tryKeyboard(wish, until);
   });
 }

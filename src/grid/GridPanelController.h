@@ -124,6 +124,7 @@ class GridPanelController final : public GridRootOwner, public std::enable_share
   void hide();
   /// Ends what hid the system's own surface while the panel was open; here that is the hold on keyboard and pointer.
   void restoreSystemChrome(bool restoreFocus);
+  void showKeyboard(bool keyboard);
   void holdKeyboard();
   void tryKeyboard(std::uint64_t wish, TimePoint until);
   /// Runs `work` in this panel, if it still exists then and its journey goes on.

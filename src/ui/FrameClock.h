@@ -18,8 +18,6 @@ class FrameCount {
   /// Writes the line, unless nothing was shown.
   void end(std::string_view what);
 
-  [[nodiscard]] int frames() const { return frames_; }
-  [[nodiscard]] int dropped() const { return dropped_; }
 
  private:
   int frames_ = 0;

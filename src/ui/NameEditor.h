@@ -15,7 +15,7 @@ class NameEditor final : public QLineEdit, public PanelOverlay {
   Q_OBJECT
 
  public:
-  /// `done` is called once, unless `abandon` is called before; what is told to be nothing is a change of mind.
+  /// `done` is called once; what is told to be nothing is a change of mind.
   NameEditor(QWidget& panel, const Theme& theme, const std::string& name,
              std::function<void(std::optional<std::string>)> done);
 

@@ -38,8 +38,6 @@ class PanelWindow final : public GridPanelView {
   [[nodiscard]] double scale() const override;
 
  private:
-  class Over;
-
   /// Takes away what lies over the panel, as a change of mind.
   void clear();
   void lay(QWidget* widget, PanelOverlay* overlay);

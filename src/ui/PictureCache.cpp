@@ -148,10 +148,4 @@ void PictureCache::keepOnly(const std::vector<PictureRequest>& requests) {
   pictures_ = std::move(kept);
 }
 
-std::size_t PictureCache::bytes() const {
-  std::size_t sum = 0;
-  for (const auto& [request, picture] : pictures_) sum += static_cast<std::size_t>(picture.image().sizeInBytes());
-  return sum;
-}
-
 }  // namespace tessaspaces

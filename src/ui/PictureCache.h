@@ -63,8 +63,6 @@ class PictureCache {
   /// Forgets all others.
   void keepOnly(const std::vector<PictureRequest>& requests);
   [[nodiscard]] std::size_t size() const { return pictures_.size(); }
-  /// What it holds, in bytes.
-  [[nodiscard]] std::size_t bytes() const;
 
  private:
   struct Less {

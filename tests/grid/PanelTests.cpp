@@ -277,6 +277,14 @@ TEST_F(Panel, WaitsAMomentForTheKeyboard) {
   advance(400ms);
   EXPECT_THAT(takeLog(), Contains("[WARNING] GRID: keyboard held by another program"));
   EXPECT_FALSE(panel.scene.keyboard);
+  panel.keyboardIsElsewhere = false;
+  advance(400ms);
+  EXPECT_TRUE(panel.keyboard && panel.scene.keyboard) << "as soon as it is let go of";
+
+  grid->close();
+  panel.keyboardIsElsewhere = true;
+  grid->show(nullptr);
+  advance(400ms);
   const int wishes = panel.keyboardWishes;
   panel.clickTile("B");
   advance(3s);

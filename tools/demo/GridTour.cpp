@@ -70,7 +70,7 @@ class Tour {
                      fmt::format("desktop {}", found.value_or(-1) + 1), right);
   }
 
-  /// The picture is taken when the screen has come to rest: when two looks a moment apart are alike.
+  /// Longer than any zoom takes: for pictures of what is there in the end.
   void settle() { session_.probe.waitFor([] { return false; }, Milliseconds(700)); }
 
   Overview& overview() { return overview_; }

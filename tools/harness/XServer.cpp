@@ -165,6 +165,8 @@ void XServer::setMonitors(std::string_view layout) const {
                                           xcb_randr_get_screen_resources_current(connection.get(), connection.root()));
   if (!resources || resources->num_outputs == 0) throw Failure("the server has no output");
   const xcb_randr_output_t output = *xcb_randr_get_screen_resources_current_outputs(resources.get());
+  // Nobody sees one monitor gone and the next one not yet there.
+  xcb_grab_server(connection.get());
   deleteMonitors(connection);
   for (std::size_t i = 0; i < monitors.size(); ++i) {
     SetMonitorRequest request;
@@ -183,6 +185,7 @@ void XServer::setMonitors(std::string_view layout) const {
     request.output = output;
     send(connection.get(), request);
   }
+  xcb_ungrab_server(connection.get());
   connection.roundTrip();
 }
 

@@ -180,12 +180,6 @@ const GridScene& ScenePainter::scene() const {
   return state_->scene;
 }
 
-void ScenePainter::prepare() {
-  state_->makePictures();
-  for (std::size_t i = 0; i < state_->contents.size(); ++i) state_->content(i);
-  state_->backdrop.image(backdropOf(state_->scene), state_->size, state_->kit.theme);
-}
-
 void ScenePainter::paint(QPainter& painter, const QRegion& region) {
   if (!state_->any) return;
   state_->makePictures();

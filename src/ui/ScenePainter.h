@@ -23,8 +23,6 @@ class ScenePainter {
   QRegion setScene(const GridScene& scene, double scale, const Theme& theme);
   [[nodiscard]] const GridScene& scene() const;
 
-  /// Makes at once what the first `paint` would have to make.
-  void prepare();
   /// Draws all of the scene that lies in the region, which it covers opaquely. The painter is in its device's logical
   /// coordinates; its device has the scale that `setScene` was given. Its state is as before afterwards.
   void paint(QPainter& painter, const QRegion& region);

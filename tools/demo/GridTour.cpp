@@ -90,6 +90,17 @@ class Tour {
   int count_;
 };
 
+/// What was never on screen since the program began has no picture: shows every desktop for a moment, the first one
+/// last.
+void lookAround(Session& session, int count) {
+  session.probe.waitFor([] { return false; }, Milliseconds(600));
+  for (int i = 1; i <= count; ++i) {
+    session.probe.switchTo(i % count);
+    if (!session.probe.waitForDesktop(i % count)) throw Failure("the window manager does not switch");
+    session.probe.waitFor([] { return false; }, Milliseconds(150));
+  }
+}
+
 xcb_window_t openSampleWindow(Session& session, const std::string& title, Rectangle frame) {
   const xcb_window_t window = session.client.open(
       {.title = title, .instance = "writer", .className = "Writer", .frame = frame, .pid = getpid(), .desktop = 0});
@@ -193,7 +204,7 @@ void onTwoDisplays(Session& session, Witness& witness) {
 
 void tourOfTheGrid(Session& session, Witness& witness) {
   Tour tour(session, witness, Overview(session, 3, columns), desktops);
-  witness.begin(0);
+  lookAround(session, desktops);
   const xcb_window_t window = openSampleWindow(session, "Travelling companion", {1180, 560, 560, 400});
   byMouse(session, witness, tour, window);
   byKeyboard(session, witness, tour, window);
@@ -209,11 +220,7 @@ void tourOfManyWindows(Manager manager, Witness& witness) {
       {.manager = manager, .desktops = {.desktops = many}, .screen = {.width = 1920, .height = 1080}});
   crowd(session, many, windows);
   session.program.start({{"tessaspaces.grid.rows", "4"}, {"tessaspaces.grid.columns", "4"}});
-  for (int i = 1; i <= many; ++i) {
-    session.probe.switchTo(i % many);
-    session.probe.waitForDesktop(i % many);
-    session.probe.waitFor([] { return false; }, Milliseconds(120));
-  }
+  lookAround(session, many);
   witness.turnTo(session);
   Tour tour(session, witness, Overview(session, 4, 4), many);
   tour.open();

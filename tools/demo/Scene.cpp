@@ -82,7 +82,7 @@ void crowd(harness::Session& session, int many, int windows) {
     show(session, desktop);
     for (int number = desktop; number < windows; number += many) {
       const int place = number / many;
-      openSample(session, number + desktop, desktop,
+      openSample(session, number + place, desktop,
                  {60 + (place * 330 + desktop * 90) % 1080, 50 + (place * 190 + desktop * 60) % 520,
                   560 + number % 4 * 70, 360 + number % 3 * 70});
     }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "demo/GridTour.h"
+#include "demo/Samples.h"
 #include "demo/Scene.h"
 
 namespace tessaspaces::demo {
@@ -71,6 +72,7 @@ void carrying(Session& session, Witness& witness) {
   witness.begin(0);
   const xcb_window_t window =
       session.client.open({.title = "Travelling window", .colour = 0xB5483C, .pid = getpid(), .desktop = 0});
+  sample(11, 480, 320).picture.putInto(session.client.connection(), window);
   session.probe.activate(window);
   if (!session.probe.waitFor([&] { return session.probe.activeWindow() == window; })) {
     throw Failure("the window manager does not focus a new window");

@@ -120,6 +120,14 @@ class SessionTest : public testing::Test {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
   }
   void startProgram(QProcess& process) { start(process, TESSASPACES_PROGRAM, {"--platform", "simulated"}); }
+  /// The program is there first, the desktop panel comes later and takes the icon in.
+  void startBeforePanel(FakePanel& panel) {
+    startProgram(program);
+    ASSERT_TRUE(waitFor([&] { return log().contains("MENU BAR: no system tray found"); }));
+    ASSERT_TRUE(connection->registerVirtualObject("/StatusNotifierWatcher", &panel));
+    ASSERT_TRUE(connection->registerService(notifierWatcher));
+    ASSERT_TRUE(waitFor([&] { return !panel.items.isEmpty(); }));
+  }
   int idOf(const QString& service, const QString& label) {
     auto layout = QDBusMessage::createMethodCall(service, "/MenuBar", "com.canonical.dbusmenu", "GetLayout");
     layout << 0 << -1 << QStringList("label");
@@ -182,12 +190,8 @@ TEST_F(SessionTest, ASecondCopyHandsOverToTheFirst) {
 #ifdef TESSASPACES_HAS_X11
 TEST_F(SessionTest, TheIconGoesToAPanelThatComesLater) {
   configure(R"({"tessaspaces.logLevel": 3})");
-  startProgram(program);
-  ASSERT_TRUE(waitFor([&] { return log().contains("MENU BAR: no system tray found"); }));
   FakePanel panel;
-  ASSERT_TRUE(connection->registerVirtualObject("/StatusNotifierWatcher", &panel));
-  ASSERT_TRUE(connection->registerService(notifierWatcher));
-  ASSERT_TRUE(waitFor([&] { return !panel.items.isEmpty(); }));
+  ASSERT_NO_FATAL_FAILURE(startBeforePanel(panel));
 
   auto layout = QDBusMessage::createMethodCall(panel.items.first(), "/MenuBar", "com.canonical.dbusmenu", "GetLayout");
   layout << 0 << -1 << QStringList("label");
@@ -200,12 +204,8 @@ TEST_F(SessionTest, TheIconGoesToAPanelThatComesLater) {
 
 TEST_F(SessionTest, AScreenThatIsLockedHasNoOverviewOpen) {
   configure(R"({"tessaspaces.logLevel": 3})");
-  startProgram(program);
-  ASSERT_TRUE(waitFor([&] { return log().contains("MENU BAR: no system tray found"); }));
   FakePanel panel;
-  ASSERT_TRUE(connection->registerVirtualObject("/StatusNotifierWatcher", &panel));
-  ASSERT_TRUE(connection->registerService(notifierWatcher));
-  ASSERT_TRUE(waitFor([&] { return !panel.items.isEmpty(); }));
+  ASSERT_NO_FATAL_FAILURE(startBeforePanel(panel));
   auto click = QDBusMessage::createMethodCall(panel.items.first(), "/MenuBar", "com.canonical.dbusmenu", "Event");
   click << idOf(panel.items.first(), "Show Grid") << QString("clicked") << QVariant::fromValue(QDBusVariant(0)) << 0U;
   connection->call(click);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <functional>
+#include <string_view>
 
 namespace tessaspaces {
 
@@ -15,6 +17,10 @@ class ScreenLock final : public QObject {
 
   /// Begins to listen, once the buses have answered; returns at once.
   void start();
+
+  /// The object under which the session manager speaks of the session with this id, as XDG_SESSION_ID names it; empty
+  /// when there is no id. Any thread.
+  [[nodiscard]] static QString pathOfSession(std::string_view id);
 
  private Q_SLOTS:
   /// A screen saver's signal: it went on, or off.

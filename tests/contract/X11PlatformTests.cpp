@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <thread>
 
 #include "contract/ContractTest.h"
 #include "contract/X11Driver.h"
+#include "harness/XConnection.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/x11/Xcb.h"
 
@@ -180,6 +182,44 @@ TEST_P(X11Contract, TheFocusedWindowIsKnownAndMovedWithoutAWait) {
     EXPECT_EQ(x11().roundTrips(), before) << pid;
     EXPECT_TRUE(driver->until([&, moved = window] { return spacesOf(moved) == std::vector{all[2]}; })) << pid;
   }
+}
+
+TEST_P(X11Contract, AWindowThatGoesOnChangingIsReadNowAndThen) {
+  start();
+  const auto window = driver->open({.title = "dragged", .pid = 5001});
+  driver->focus(window);
+  std::optional<WindowInfo> known;
+  std::uint64_t before = 0;
+  const auto look = [&] {
+    before = x11().roundTrips();
+    const auto reading = server().beginRead();
+    known = platform().windowList().frontWindow(5001);
+    return known && known->number == window;
+  };
+  const auto isKnown = [&] { return look() && x11().roundTrips() == before; };
+  ASSERT_TRUE(driver->until(isKnown));
+
+  const harness::XConnection other(std::getenv("DISPLAY"));
+  auto& dispatch = platform().dispatch();
+  const auto begin = dispatch.now();
+  const auto asked = x11().roundTrips();
+  std::uint32_t moves = 0;
+  // Each is dealt with before the next, as those of a hand are.
+  auto moving = dispatch.every(std::chrono::milliseconds(5), [&] {
+    const std::array<std::uint32_t, 2> place{100 + ++moves, 100};
+    xcb_configure_window(other.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place.data());
+    other.flush();
+  });
+  ASSERT_TRUE(driver->until([&] { return moves >= 150; }));
+  moving.reset();
+  const auto tenths = (dispatch.now() - begin) / std::chrono::milliseconds(100);
+  // One reading waits once, for all its answers; at first, and after each rest of a busy machine, there are a few more.
+  EXPECT_LE(x11().roundTrips() - asked, static_cast<std::uint64_t>(3 * (tenths + 4)));
+  EXPECT_TRUE(driver->until([&] { return isKnown() && *known->bounds->x >= 200; })) << "what it came to";
+
+  other.setText(window, "_NET_WM_NAME", "UTF8_STRING", "somewhere else");
+  other.flush();
+  EXPECT_TRUE(driver->until([&] { return look() && known->name == "somewhere else"; }));
 }
 
 TEST_P(X11Contract, TheTouchpadSaysHowItScrolls) {

@@ -39,7 +39,11 @@ void DesktopEvents::foresee(const xcb_generic_event_t& event) {
              eventAs<xcb_destroy_notify_event_t>(event).window == checkWindow_) {
     reader_.rootChanged();
   }
-  if (active_.concerns(event)) reader_.activeChanged();
+  switch (active_.changeBy(event)) {
+    case FollowedWindow::Change::facts: reader_.activeChanged(); break;
+    case FollowedWindow::Change::title: reader_.activeTitleChanged(); break;
+    case FollowedWindow::Change::nothing: break;
+  }
 }
 
 void DesktopEvents::handle(const xcb_generic_event_t& event) {
@@ -85,14 +89,33 @@ void DesktopEvents::eventsDrained() {
   const bool windows = std::exchange(windowsDirty_, false) || clients;
   reader_.refreshRoot();
   if (clients) watchClients();
-  // Only a window whose events are selected here already: that would undo what following it selects.
-  reader_.refreshActive([this](xcb_window_t window) {
-    return (window == XCB_NONE || watched_.contains(window)) && active_.follow(window);
-  });
+  readActiveAhead();
   if (spaces) server_.noteVisibleDesktops();
   if (manager) server_.windowManagerChanged.emit();
   if (spaces) server_.spacesChanged.emit();
   if (windows) server_.windowsChanged.emit();
+}
+
+void DesktopEvents::readActiveAhead() {
+  const auto unread = reader_.unreadActive();
+  if (!unread) return;
+  const auto now = pump_.now();
+  if (const auto wait = activePace_.take(*unread, now); wait > Duration::zero()) {
+    const auto due = now + wait;
+    // The one planned for a window that was active before may be later.
+    if (readingPlanned_ && *readingPlanned_ <= due) return;
+    readingPlanned_ = due;
+    pump_.after(wait, [this, due] {
+      if (readingPlanned_ == due) readingPlanned_.reset();
+      readActiveAhead();
+      pump_.drainLater();
+    });
+    return;
+  }
+  // Only a window whose events are selected here already: that would undo what following it selects.
+  reader_.refreshActive([this](xcb_window_t window) {
+    return (window == XCB_NONE || watched_.contains(window)) && active_.follow(window);
+  });
 }
 
 void DesktopEvents::watchClients() {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <set>
 
 #include "platform/x11/EventPump.h"
 #include "platform/x11/FollowedWindow.h"
 #include "platform/x11/Reader.h"
+#include "platform/x11/ReadingPace.h"
 #include "platform/x11/X11WindowServer.h"
 
 namespace tessaspaces {
@@ -25,6 +27,8 @@ class DesktopEvents : public EventListener {
  private:
   void handleProperty(const xcb_property_notify_event_t& event);
   void watchClients();
+  /// Reads the active window as soon as the pace allows, if it is not known, so that the next key finds it ready.
+  void readActiveAhead();
   bool managerChanged();
 
   Connection& connection_;
@@ -32,6 +36,8 @@ class DesktopEvents : public EventListener {
   X11WindowServer& server_;
   EventPump& pump_;
   FollowedWindow active_;
+  ReadingPace activePace_;
+  std::optional<TimePoint> readingPlanned_;
   xcb_window_t checkWindow_ = XCB_NONE;
   bool managed_ = false;
   std::set<xcb_window_t> watched_;

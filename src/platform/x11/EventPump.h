@@ -48,6 +48,8 @@ class EventPump {
   /// Runs `work` behind what the main queue holds, or once `delay` has passed; not after this object's end.
   void later(std::function<void()> work);
   void after(Duration delay, std::function<void()> work);
+  /// On the clock by which `after` waits.
+  [[nodiscard]] TimePoint now() const { return dispatch_.now(); }
 
  private:
   [[nodiscard]] std::function<void()> guarded(std::function<void()> work) const;

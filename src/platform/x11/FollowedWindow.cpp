@@ -51,27 +51,30 @@ std::uint32_t FollowedWindow::maskOf(xcb_window_t client) const {
   return !chain_.empty() && chain_.front() == client ? clientMask | frameMask : clientMask;
 }
 
-bool FollowedWindow::concerns(const xcb_generic_event_t& event) {
-  if (chain_.empty()) return false;
-  const auto isOurs = [&](xcb_window_t window) {
-    return std::find(chain_.begin(), chain_.end(), window) != chain_.end();
+FollowedWindow::Change FollowedWindow::changeBy(const xcb_generic_event_t& event) {
+  if (chain_.empty()) return Change::nothing;
+  const auto ifOurs = [&](xcb_window_t window) {
+    return std::find(chain_.begin(), chain_.end(), window) != chain_.end() ? Change::facts : Change::nothing;
   };
-  bool changed = false;
+  auto change = Change::nothing;
   switch (eventType(event)) {
     case XCB_PROPERTY_NOTIFY: {
       const auto& property = eventAs<xcb_property_notify_event_t>(event);
-      return property.window == chain_.front() && Reader::readsOfActive(connection_.atoms(), property.atom);
+      const auto& atoms = connection_.atoms();
+      if (property.window != chain_.front()) return Change::nothing;
+      if (isTitle(atoms, property.atom)) return Change::title;
+      return Reader::readsOfActive(atoms, property.atom) ? Change::facts : Change::nothing;
     }
-    case XCB_CONFIGURE_NOTIFY: return isOurs(eventAs<xcb_configure_notify_event_t>(event).window);
-    case XCB_GRAVITY_NOTIFY: return isOurs(eventAs<xcb_gravity_notify_event_t>(event).window);
-    case XCB_MAP_NOTIFY: return isOurs(eventAs<xcb_map_notify_event_t>(event).window);
-    case XCB_UNMAP_NOTIFY: return isOurs(eventAs<xcb_unmap_notify_event_t>(event).window);
-    case XCB_REPARENT_NOTIFY: changed = isOurs(eventAs<xcb_reparent_notify_event_t>(event).window); break;
-    case XCB_DESTROY_NOTIFY: changed = isOurs(eventAs<xcb_destroy_notify_event_t>(event).window); break;
-    default: return false;
+    case XCB_CONFIGURE_NOTIFY: return ifOurs(eventAs<xcb_configure_notify_event_t>(event).window);
+    case XCB_GRAVITY_NOTIFY: return ifOurs(eventAs<xcb_gravity_notify_event_t>(event).window);
+    case XCB_MAP_NOTIFY: return ifOurs(eventAs<xcb_map_notify_event_t>(event).window);
+    case XCB_UNMAP_NOTIFY: return ifOurs(eventAs<xcb_unmap_notify_event_t>(event).window);
+    case XCB_REPARENT_NOTIFY: change = ifOurs(eventAs<xcb_reparent_notify_event_t>(event).window); break;
+    case XCB_DESTROY_NOTIFY: change = ifOurs(eventAs<xcb_destroy_notify_event_t>(event).window); break;
+    default: return Change::nothing;
   }
-  if (changed) intact_ = false;
-  return changed;
+  if (change != Change::nothing) intact_ = false;
+  return change;
 }
 
 }  // namespace tessaspaces

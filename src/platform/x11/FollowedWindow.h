@@ -13,12 +13,14 @@ class FollowedWindow {
  public:
   explicit FollowedWindow(Connection& connection) : connection_(connection) {}
 
-  /// From when this returns, every change is an event that `concerns` knows. Costs one round trip for each window from
+  /// From when this returns, every change is an event that `changeBy` knows. Costs one round trip for each window from
   /// this one up to the root, but none while it is followed already. XCB_NONE follows nothing. False when the window is
   /// gone or its frames could not be found.
   bool follow(xcb_window_t window);
-  /// Whether the event may have changed what a reading of the window finds. To be asked about all events.
-  bool concerns(const xcb_generic_event_t& event);
+  /// What of a reading of the window the event may have changed.
+  enum class Change { nothing, title, facts };
+  /// To be asked about all events.
+  Change changeBy(const xcb_generic_event_t& event);
   /// What the events of a client window are to be selected by: there is one mask for each.
   [[nodiscard]] std::uint32_t maskOf(xcb_window_t client) const;
 

@@ -97,6 +97,9 @@ Reader::Active Reader::active() {
   if (memo != nullptr && memo->active) return *memo->active;
   const auto window = root(RootDetail::windows)->activeWindow;
   const bool known = memo != nullptr && keeping() && keptActive_ && keptActiveWindow_ == window;
+  if (known && std::exchange(titleChanged_, false) && keptActive_->window) {
+    keptActive_->window->title = readTitle(connection_, window);
+  }
   auto active = known ? *keptActive_ : readActive(window);
   if (memo != nullptr) memo->active = active;
   return active;
@@ -142,15 +145,26 @@ void Reader::activeChanged() {
   if (keeping()) keptActive_.reset();
 }
 
+void Reader::activeTitleChanged() {
+  if (keeping()) titleChanged_ = true;
+}
+
 bool Reader::readsOfActive(const Atoms& atoms, xcb_atom_t property) {
   return property == XCB_ATOM_WM_CLASS || readsOfWindow(atoms, property);
 }
 
+std::optional<xcb_window_t> Reader::unreadActive() const {
+  if (!keeping() || !kept_ || knownActive() != nullptr) return std::nullopt;
+  return kept_->activeWindow;
+}
+
 void Reader::refreshActive(const std::function<bool(xcb_window_t)>& follow) {
-  if (!keeping() || !kept_ || knownActive() != nullptr) return;
-  const auto window = kept_->activeWindow;
+  const auto unread = unreadActive();
+  if (!unread) return;
+  const auto window = *unread;
   keptActive_.reset();
   if (!follow(window)) return;
+  titleChanged_ = false;
   auto active = readActive(window);
   // One that has gone meanwhile is soon not the active one any more.
   if (window != XCB_NONE && !active.window) return;

@@ -39,7 +39,7 @@ class Reader {
   };
   Active active();
   /// The same as events have kept it right, with no question to the server; null while they have not, and on any other
-  /// thread than theirs. Good until the next event.
+  /// thread than theirs. Good until the next event, but for the title, which `active` reads when it has changed.
   [[nodiscard]] const Active* knownActive() const;
   [[nodiscard]] std::unique_ptr<ReadScope> beginRead();
   /// A scope of this thread is open: what is read now has to serve all that may be asked in it.
@@ -60,6 +60,8 @@ class Reader {
   void rootChanged();
   /// The events say that something about the active window changed.
   void activeChanged();
+  /// The same of its title, and nothing else: some programs change that many times a second.
+  void activeTitleChanged();
   /// Whether this property of the active window counts.
   [[nodiscard]] static bool readsOfActive(const Atoms& atoms, xcb_atom_t property);
   /// Reads the root anew if it has changed. After a burst of events, so that the next key finds it ready.
@@ -67,6 +69,8 @@ class Reader {
   /// The same for the active window. `follow` first sees to it that its changes are heard of from then on; where it is
   /// false they are not, and nothing is kept.
   void refreshActive(const std::function<bool(xcb_window_t)>& follow);
+  /// The active window of which `refreshActive` would have to read; absent while it is known, or the root is not.
+  [[nodiscard]] std::optional<xcb_window_t> unreadActive() const;
   void stopKeepingRoot();
   /// Whether this is the thread that follows the events.
   [[nodiscard]] bool keeping() const { return keeper_.load() == std::this_thread::get_id(); }
@@ -86,6 +90,7 @@ class Reader {
   Root kept_;                         // the keeper's thread only; null while it is out of date
   std::optional<Active> keptActive_;  // the keeper's thread only; of keptActiveWindow_
   xcb_window_t keptActiveWindow_ = XCB_NONE;
+  bool titleChanged_ = false;  // since keptActive_ was read
 
   // What the events' thread has just read for a command serves the thread that carries it out as well: that the
   // command goes over to it costs no question. Once, and for a moment only.

@@ -134,10 +134,23 @@ std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xc
   return records;
 }
 
+std::optional<std::string> readTitle(Connection& connection, xcb_window_t window) {
+  auto& channel = connection.requests();
+  const auto name = askText(channel, window, connection.atoms().netWmName);
+  const auto oldName = askText(channel, window, XCB_ATOM_WM_NAME);
+  auto title = text(channel.await<xcb_get_property_reply>(name));
+  auto oldTitle = text(channel.await<xcb_get_property_reply>(oldName));
+  return title ? title : oldTitle;
+}
+
+bool isTitle(const Atoms& atoms, xcb_atom_t property) {
+  return property == atoms.netWmName || property == XCB_ATOM_WM_NAME;
+}
+
 bool readsOfWindow(const Atoms& atoms, xcb_atom_t property) {
-  const xcb_atom_t looked[] = {atoms.netWmDesktop, atoms.netWmWindowType, atoms.netWmState, atoms.netFrameExtents,
-                               atoms.netWmName,    XCB_ATOM_WM_NAME,      atoms.netWmPid,   XCB_ATOM_WM_CLIENT_MACHINE};
-  return contains(looked, property);
+  const xcb_atom_t looked[] = {atoms.netWmDesktop,    atoms.netWmWindowType, atoms.netWmState,
+                               atoms.netFrameExtents, atoms.netWmPid,        XCB_ATOM_WM_CLIENT_MACHINE};
+  return isTitle(atoms, property) || contains(looked, property);
 }
 
 std::vector<xcb_window_t> findClients(Connection& connection) {

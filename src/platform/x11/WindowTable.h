@@ -53,6 +53,13 @@ constexpr int notification = 102;
 [[nodiscard]] std::vector<WindowRecord> readWindows(Connection& connection, std::span<const xcb_window_t> listed,
                                                     WindowDetail detail);
 
+/// The title alone, as the reading with everything finds it, in one batch; absent when it has none or is gone. Any
+/// thread.
+[[nodiscard]] std::optional<std::string> readTitle(Connection& connection, xcb_window_t window);
+
+/// Whether this property holds the title or is what it is taken from where that one is missing.
+[[nodiscard]] bool isTitle(const Atoms& atoms, xcb_atom_t property);
+
 /// Whether the reading with everything looks at this property of a window.
 [[nodiscard]] bool readsOfWindow(const Atoms& atoms, xcb_atom_t property);
 

@@ -66,7 +66,10 @@ void CoverWatch::listen(bool wanted) {
     if (!attributes) return;
     maskBefore_ = attributes->your_event_mask;
   }
-  const std::uint32_t mask = maskBefore_ | (wanted ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : 0U);
+  // Where it was not heard what to go back to, nothing was changed.
+  if (!maskBefore_) return;
+  const std::uint32_t mask = *maskBefore_ | (wanted ? std::uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY} : 0U);
+  if (!wanted) maskBefore_.reset();
   xcb_change_window_attributes(connection_, root_, XCB_CW_EVENT_MASK, &mask);
   xcb_flush(connection_);
 }

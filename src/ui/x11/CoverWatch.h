@@ -3,6 +3,8 @@
 #include <QRect>
 #include <QTimer>
 #include <QWindow>
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "base/Signal.h"
@@ -46,7 +48,8 @@ class CoverWatch {
   xcb_connection_t* connection_;
   xcb_window_t root_;
   bool hasShape_ = false;
-  std::uint32_t maskBefore_ = 0;
+  /// What was asked for before this listened; absent while it does not.
+  std::optional<std::uint32_t> maskBefore_;
   std::vector<Panel> panels_;
   QTimer timer_;
 };

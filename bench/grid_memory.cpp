@@ -128,8 +128,8 @@ int main(int argc, char** argv) {
     const Account many = bench.account();
     print(fmt::format("closed after {} openings", openings), many);
     const auto idleAfter = bench.idle();
-    fmt::print("\n  with 100 previews: {:.1f} MB resident, {:.1f} MB with the pixmaps; wanted < 120\n", open.program / 1e6,
-               (open.program + open.pixmaps) / 1e6);
+    fmt::print("\n  with 100 previews: {:.1f} MB resident, {:.1f} MB with the pixmaps; wanted < 120\n",
+               open.program / 1e6, (open.program + open.pixmaps) / 1e6);
     fmt::print("  growth from 10 to {} openings: program {:+.1f}, pixmaps {:+.1f}, X server {:+.1f}\n", openings,
                mebibytes(many.program - few.program), mebibytes(many.pixmaps - few.pixmaps),
                mebibytes(many.server - few.server));

@@ -36,9 +36,7 @@ std::unique_ptr<PanelSystem> makePanelSystem() {
 }  // namespace
 
 Overview::Overview()
-    : system_(makePanelSystem()),
-      coordinator_(panelWindows(*system_), backgrounds_),
-      lock_([this] {
+    : system_(makePanelSystem()), coordinator_(panelWindows(*system_), backgrounds_), lock_([this] {
         if (!coordinator_.isOnScreen()) return;
         Log::info("GRID: the screen is locked — open grids closed");
         coordinator_.hide();
@@ -77,8 +75,7 @@ void Overview::prepare() {
     Overview& overview = **self;
     overview.coordinator_.prepare();
     overview.lock_.start();
-    overview.spacesChanged_ =
-        platform().windowServer().spacesChanged.connect([&overview] { overview.learnSoon(); });
+    overview.spacesChanged_ = platform().windowServer().spacesChanged.connect([&overview] { overview.learnSoon(); });
     overview.learnSoon();
   });
 }

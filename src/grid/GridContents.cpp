@@ -113,7 +113,8 @@ void GridContents::readSnapshot() {
   if (fresh.desktops.empty()) return;
   snapshot_ = std::move(fresh);
   fullScreen_.clear();
-  for (const auto& info : platform().windowList().copyWindowInfo(WindowListOption::all).value_or(std::vector<WindowInfo>{})) {
+  for (const auto& info :
+       platform().windowList().copyWindowInfo(WindowListOption::all).value_or(std::vector<WindowInfo>{})) {
     if (info.fullScreen.value_or(false) && info.number) fullScreen_.insert(*info.number);
   }
   expected_.apply(snapshot_);

@@ -126,8 +126,7 @@ void GridPanelController::dragOutside(std::optional<Point> cursor) {
   if (onDragOutside) onDragOutside(*this, cursor);
 }
 
-void GridPanelController::dropOutside(const SpaceWindow& window, SpaceID fromSpace, Point cursor,
-                                      Point windowTopLeft) {
+void GridPanelController::dropOutside(const SpaceWindow& window, SpaceID fromSpace, Point cursor, Point windowTopLeft) {
   if (onDropOutside) onDropOutside(*this, window, fromSpace, cursor, windowTopLeft);
 }
 

@@ -121,7 +121,9 @@ void GridPanelController::transferFailed(const Transfer& transfer) {
   // The user has dropped it somewhere else meanwhile: that is what counts.
   if (!contents_->moveFailed(transfer.window.id, transfer.expected)) return;
   // Where it really is: an earlier drop may have been on its way when this one began.
-  const auto stands = [&](const DesktopRef& desktop) { return desktop && find(*desktop, transfer.window.id) != nullptr; };
+  const auto stands = [&](const DesktopRef& desktop) {
+    return desktop && find(*desktop, transfer.window.id) != nullptr;
+  };
   auto source = desktopOf(transfer.from);
   if (!stands(source)) {
     const auto found = std::find_if(snapshot_.desktops.begin(), snapshot_.desktops.end(), stands);
@@ -136,8 +138,8 @@ void GridPanelController::transferFailed(const Transfer& transfer) {
   if (!isVisible()) return;
   root.returnPreview(transfer.window.id, source->spaceID, transfer.dropped);
   const auto& title = transfer.window.title;
-  view_->alert(L10n::t("grid.alert.moveFailed.title"),
-               title.empty() ? L10n::t("grid.alert.moveFailed.untitled") : L10n::t("grid.alert.moveFailed.body", title));
+  view_->alert(L10n::t("grid.alert.moveFailed.title"), title.empty() ? L10n::t("grid.alert.moveFailed.untitled")
+                                                                     : L10n::t("grid.alert.moveFailed.body", title));
 }
 
 }  // namespace tessaspaces

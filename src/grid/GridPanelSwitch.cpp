@@ -33,29 +33,28 @@ std::function<void()> raising(const SpaceWindow& window, const std::function<boo
 }  // namespace
 
 void GridPanelController::handle(const GridAction& action) {
-  std::visit(Overloaded{
-                 [this](const GridActions::MoveWindow& move) {
-                   const auto to = move.to ? move.to->spaceID : 0;
-                   Log::debug("ACTION DIAG: moveWindow(window={}, fromSpace={}, toSpace={})", move.window,
-                              move.fromSpace, to);
-                   performMove(move.window, move.fromSpace, move.to, move.dropInRoot, move.imageRect, nullptr);
-                 },
-                 [this](const GridActions::SwitchSpace& target) { performSwitch(target.space, {}); },
-                 [this](const GridActions::SwitchSpaceAndActivate& target) {
-                   const auto desktop = desktopOf(target.space);
-                   performSwitch(target.space, raising(target.window, Spaces::SwitchRequest::overtakingFromNow(
-                                                                          desktop ? desktop->displayUUID : "",
-                                                                          target.space)));
-                 },
-                 [this](const GridActions::Close&) {
-                   if (onCloseAll) {
-                     onCloseAll();
-                   } else {
-                     closeAnimated();
-                   }
-                 },
-             },
-             action);
+  std::visit(
+      Overloaded{
+          [this](const GridActions::MoveWindow& move) {
+            const auto to = move.to ? move.to->spaceID : 0;
+            Log::debug("ACTION DIAG: moveWindow(window={}, fromSpace={}, toSpace={})", move.window, move.fromSpace, to);
+            performMove(move.window, move.fromSpace, move.to, move.dropInRoot, move.imageRect, nullptr);
+          },
+          [this](const GridActions::SwitchSpace& target) { performSwitch(target.space, {}); },
+          [this](const GridActions::SwitchSpaceAndActivate& target) {
+            const auto desktop = desktopOf(target.space);
+            performSwitch(target.space, raising(target.window, Spaces::SwitchRequest::overtakingFromNow(
+                                                                   desktop ? desktop->displayUUID : "", target.space)));
+          },
+          [this](const GridActions::Close&) {
+            if (onCloseAll) {
+              onCloseAll();
+            } else {
+              closeAnimated();
+            }
+          },
+      },
+      action);
 }
 
 DesktopRef GridPanelController::desktopOf(SpaceID space) const {
@@ -105,15 +104,14 @@ void GridPanelController::switchUnderZoom(const DesktopRef& target, std::functio
     deadline += std::chrono::duration_cast<Duration>(*duration * revealAt);
     animateGridZoom({GridPanelView::Zoom::Direction::in, *rect, *duration});
   }
-  Spaces::switchWithoutOverlay(
-      target, [deadline, reveal = onThisJourney(&GridPanelController::revealAfterSwitch),
-               after = std::move(after)](bool /*arrived*/) {
-        const Duration wait = std::max(Duration{}, Duration(deadline - platform().dispatch().now()));
-        platform().dispatch().after(wait, [reveal, after] {
-          reveal();
-          if (after) after();
-        });
-      });
+  Spaces::switchWithoutOverlay(target, [deadline, reveal = onThisJourney(&GridPanelController::revealAfterSwitch),
+                                        after = std::move(after)](bool /*arrived*/) {
+    const Duration wait = std::max(Duration{}, Duration(deadline - platform().dispatch().now()));
+    platform().dispatch().after(wait, [reveal, after] {
+      reveal();
+      if (after) after();
+    });
+  });
   scheduleSwitchCheck(target);
 }
 

@@ -104,9 +104,8 @@ std::vector<GridMenuItem> State::windowMenu(const GridTarget& target) {
     const auto& desktop = *desktopAt(tile);
     if (desktop.spaceID == space) continue;
     if (!std::exchange(separated, true)) items.emplace_back();
-    auto move = item("grid.menu.moveTo", [this, space = space, window = window, to = desktop.spaceID] {
-      moveTo(space, window, to);
-    });
+    auto move = item("grid.menu.moveTo",
+                     [this, space = space, window = window, to = desktop.spaceID] { moveTo(space, window, to); });
     move.title = L10n::format(move.title, {desktop.label(tile)});
     items.push_back(std::move(move));
   }

@@ -20,7 +20,6 @@ Rect withAir(const Rect& room) {
 
 }  // namespace
 
-
 using State = GridRootState;
 
 // --- What is shown

@@ -35,11 +35,11 @@ void lookAgain(const DesktopInfo& target) {
   if (!Log::isEnabled(level)) return;
   const auto focused = Spaces::askYabaiFirst() ? YabaiBridge::focusedSpaceID() : std::nullopt;
   const auto front = platform().applications().frontmost();
-  Log::write(level,
-             fmt::format("SWITCH: check after 2.5s — active={} target={} method={} yabaiFocused={} frontApp={} {}",
-                         active, target.spaceID, Spaces::lastSwitchMethod(), focused ? std::to_string(*focused) : "-",
-                         front && front->bundleIdentifier ? *front->bundleIdentifier : "?",
-                         holding ? "HOLDING" : "REVERTED"));
+  Log::write(
+      level,
+      fmt::format("SWITCH: check after 2.5s — active={} target={} method={} yabaiFocused={} frontApp={} {}", active,
+                  target.spaceID, Spaces::lastSwitchMethod(), focused ? std::to_string(*focused) : "-",
+                  front && front->bundleIdentifier ? *front->bundleIdentifier : "?", holding ? "HOLDING" : "REVERTED"));
 }
 
 void look(const DesktopRef& target) {

@@ -18,7 +18,6 @@ class FrameCount {
   /// Writes the line, unless nothing was shown.
   void end(std::string_view what);
 
-
  private:
   int frames_ = 0;
   int dropped_ = 0;

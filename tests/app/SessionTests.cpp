@@ -211,8 +211,8 @@ TEST_F(SessionTest, AScreenThatIsLockedHasNoOverviewOpen) {
   connection->call(click);
   ASSERT_TRUE(waitFor([&] { return log().contains("GRID shown on "); }));
   const auto say = [&](bool active) {
-    auto signal = QDBusMessage::createSignal("/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver",
-                                             "ActiveChanged");
+    auto signal =
+        QDBusMessage::createSignal("/org/freedesktop/ScreenSaver", "org.freedesktop.ScreenSaver", "ActiveChanged");
     signal << active;
     connection->send(signal);
   };

@@ -13,7 +13,8 @@ using testing::Optional;
 
 /// A text, a number, a colour and another number, as a settings program writes them.
 std::vector<std::uint8_t> sample(const std::string& byteOrder) {
-  std::ifstream file(std::string(TESSASPACES_SOURCE_DIR) + "/tests/fuzz/seeds/xsettings/" + byteOrder, std::ios::binary);
+  std::ifstream file(std::string(TESSASPACES_SOURCE_DIR) + "/tests/fuzz/seeds/xsettings/" + byteOrder,
+                     std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 

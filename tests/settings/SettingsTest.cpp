@@ -218,7 +218,7 @@ TEST_F(SettingsFacadeTest, OutsideChangesAreAnnouncedOnce) {
                                          "tessaspaces.language", "tessaspaces.grid.rows.X", "unknown"};
   Settings::announceChanges(changed);
   EXPECT_THAT(seen, ::testing::UnorderedElementsAre(Notifications::hotkeysChanged, Notifications::languageChanged,
-                                                     Notifications::qualityChanged));
+                                                    Notifications::qualityChanged));
 }
 
 TEST_F(SettingsFacadeTest, FacadeIsSafeFromEveryThread) {

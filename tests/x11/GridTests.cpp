@@ -34,8 +34,8 @@ class Grid : public ProgramTest {
   /// Opens a window and waits until it can be seen, if its desktop is the one that is shown: a window that comes up
   /// over the overview closes it, and rightly so.
   xcb_window_t openWindow(const std::string& title, int desktop) {
-    const xcb_window_t window = session().client.open(
-        {.title = title, .frame = {200, 160, 500, 340}, .pid = getpid(), .desktop = desktop});
+    const xcb_window_t window =
+        session().client.open({.title = title, .frame = {200, 160, 500, 340}, .pid = getpid(), .desktop = desktop});
     if (probe().currentDesktop() == desktop) {
       EXPECT_TRUE(probe().waitFor([&] { return probe().viewable(window); }));
     }
@@ -266,8 +266,8 @@ TEST_P(Grid, DoesNotFlapUnderAHeldKey) {
 
 TEST_P(Grid, SpansTwoMonitors) {
   beginOnTwoMonitors();
-  const xcb_window_t window = session().client.open(
-      {.title = "traveller", .frame = {120, 160, 400, 340}, .pid = getpid()});
+  const xcb_window_t window =
+      session().client.open({.title = "traveller", .frame = {120, 160, 400, 340}, .pid = getpid()});
   ASSERT_TRUE(probe().waitFor([&] { return probe().viewable(window); }));
   const std::array<std::vector<int>, 2> desktops =
       perMonitor() ? std::array{probe().desktopsAt(0, 0), probe().desktopsAt(640, 0)}

@@ -26,8 +26,8 @@ class Tour {
     witness_.verdict(fmt::format("pressed {}", Overview::key.display()),
                      fmt::format("{} panel{} on screen", monitors, monitors == 1 ? "" : "s"),
                      fmt::format("{}", overview_.panels().size()), opened);
-    const bool taken = session_.probe.waitFor([&] { return overview_.keyboardIsTaken() || overview_.panels().empty(); },
-                                              patient);
+    const bool taken =
+        session_.probe.waitFor([&] { return overview_.keyboardIsTaken() || overview_.panels().empty(); }, patient);
     if (!taken) throw Failure("the overview does not take the keyboard");
     settle();
   }
@@ -71,7 +71,9 @@ class Tour {
   }
 
   /// Longer than any zoom takes: for pictures of what is there in the end.
-  void settle() { session_.probe.waitFor([] { return false; }, Milliseconds(700)); }
+  void settle() {
+    session_.probe.waitFor([] { return false; }, Milliseconds(700));
+  }
 
   Overview& overview() { return overview_; }
 
@@ -79,7 +81,8 @@ class Tour {
   [[nodiscard]] std::pair<int, int> previewOf(xcb_window_t window, int index, std::size_t monitor) {
     const XConnection& x = session_.probe.connection();
     const auto size = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x.get(), window));
-    const auto at = x.reply(xcb_translate_coordinates_reply, xcb_translate_coordinates(x.get(), window, x.root(), 0, 0));
+    const auto at =
+        x.reply(xcb_translate_coordinates_reply, xcb_translate_coordinates(x.get(), window, x.root(), 0, 0));
     if (!size || !at) throw Failure("the window to drag is gone");
     return overview_.pointInTile(index, count_, at->dst_x + size->width / 2, at->dst_y + size->height / 2, monitor);
   }
@@ -216,8 +219,7 @@ void tourOfManyWindows(Manager manager, Witness& witness) {
   constexpr int many = 16;
   constexpr int windows = 100;
   witness.heading("Sixteen desktops, a hundred windows");
-  Session session(
-      {.manager = manager, .desktops = {.desktops = many}, .screen = {.width = 1920, .height = 1080}});
+  Session session({.manager = manager, .desktops = {.desktops = many}, .screen = {.width = 1920, .height = 1080}});
   crowd(session, many, windows);
   session.program.start({{"tessaspaces.grid.rows", "4"}, {"tessaspaces.grid.columns", "4"}});
   lookAround(session, many);
@@ -233,7 +235,7 @@ void tourOfManyWindows(Manager manager, Witness& witness) {
   tour.expectClosed("and the overview");
   const auto status = session.program.stop();
   witness.verdict("sent SIGTERM", "a clean end with exit status 0",
-                status ? fmt::format("exit status {}", *status) : "it did not end", status == 0, "the system");
+                  status ? fmt::format("exit status {}", *status) : "it did not end", status == 0, "the system");
 }
 
 }  // namespace tessaspaces::demo

@@ -19,7 +19,9 @@ std::uint32_t mix(std::uint32_t first, std::uint32_t second, double part) {
 }
 
 Picture::Picture(int width, int height, std::uint32_t colour)
-    : width_(width), height_(height), pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), colour) {}
+    : width_(width),
+      height_(height),
+      pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), colour) {}
 
 void Picture::blend(int x, int y, std::uint32_t colour, double cover) {
   if (x < 0 || y < 0 || x >= width_ || y >= height_ || cover <= 0) return;
@@ -65,7 +67,8 @@ void Picture::shade(Rectangle area, std::uint32_t top, std::uint32_t bottom) {
 void Picture::hills(double height, double swing, double length, double shift, std::uint32_t colour) {
   for (int x = 0; x < width_; ++x) {
     const double at = x / length + shift;
-    const double top = height_ - height - swing * (std::sin(at) + 0.5 * std::sin(2.3 * at + 1) + 0.2 * std::sin(5.1 * at));
+    const double top =
+        height_ - height - swing * (std::sin(at) + 0.5 * std::sin(2.3 * at + 1) + 0.2 * std::sin(5.1 * at));
     blend(x, static_cast<int>(top), colour, 1 - (top - std::floor(top)));
     for (int y = static_cast<int>(top) + 1; y < height_; ++y) blend(x, y, colour, 1);
   }
@@ -92,8 +95,8 @@ xcb_pixmap_t Picture::upload(const harness::XConnection& connection, std::uint8_
   const int rows = std::max(1, 200'000 / (width_ * 4));
   for (int y = 0; y < height_; y += rows) {
     const int height = std::min(rows, height_ - y);
-    const auto* data = reinterpret_cast<const std::uint8_t*>(
-        pixels_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_));
+    const auto* data = reinterpret_cast<const std::uint8_t*>(pixels_.data() + static_cast<std::size_t>(y) *
+                                                                                  static_cast<std::size_t>(width_));
     xcb_put_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, context, static_cast<std::uint16_t>(width_),
                   static_cast<std::uint16_t>(height), 0, static_cast<std::int16_t>(y), 0, depth,
                   static_cast<std::uint32_t>(width_ * height * 4), data);

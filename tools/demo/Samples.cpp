@@ -84,15 +84,16 @@ Picture chart(int number, int width, int height) {
 /// A landscape of its own.
 Picture photograph(int number, int width, int height) {
   constexpr std::array<std::array<std::uint32_t, 3>, 4> moods{{{0xF7C59F, 0xEF798A, 0x3B3355},
-                                                              {0xBDE0FE, 0xA2D2FF, 0x33658A},
-                                                              {0xFFE5B4, 0xF4A259, 0x5B3A29},
-                                                              {0xC7E8CA, 0x7FB685, 0x2D4739}}};
+                                                               {0xBDE0FE, 0xA2D2FF, 0x33658A},
+                                                               {0xFFE5B4, 0xF4A259, 0x5B3A29},
+                                                               {0xC7E8CA, 0x7FB685, 0x2D4739}}};
   const auto& mood = moods.at(static_cast<std::size_t>(number) % moods.size());
   Picture picture(width, height, mood[0]);
   picture.shade({0, 0, width, height * 3 / 4}, mood[1], mood[0]);
   picture.disc(width * 0.7, height * 0.35, height * 0.09, 0xFFF6E5);
   for (int i = 0; i < 4; ++i) {
-    picture.hills(height * (0.42 - 0.09 * i), height * 0.05, width / 6.0, number + i * 1.7, mix(mood[1], mood[2], 0.3 + 0.22 * i));
+    picture.hills(height * (0.42 - 0.09 * i), height * 0.05, width / 6.0, number + i * 1.7,
+                  mix(mood[1], mood[2], 0.3 + 0.22 * i));
   }
   return picture;
 }
@@ -108,7 +109,8 @@ Picture chat(int number, int width, int height) {
     const bool mine = i % 3 == 1;
     const int left = mine ? width - length - 18 : 18;
     picture.card({left, 54 + i * 48, length, 36}, 14, mine ? accent(number) : 0xFFFFFF);
-    picture.words(left + 14, 69 + i * 48, length - 30, 6, mine ? 0xFFFFFF : 0x8A94A6, static_cast<unsigned>(i + number));
+    picture.words(left + 14, 69 + i * 48, length - 30, 6, mine ? 0xFFFFFF : 0x8A94A6,
+                  static_cast<unsigned>(i + number));
   }
   return picture;
 }
@@ -150,11 +152,13 @@ Picture calendar(int number, int width, int height) {
 
 Sample sample(int number, int width, int height) {
   constexpr std::array<const char*, 6> files{"Parser.cpp", "notes.md", "Session.h", "main.rs", "layout.css", "README"};
-  constexpr std::array<const char*, 6> papers{"Quarterly report", "Letter to Ålesund", "Travel plan",
+  constexpr std::array<const char*, 6> papers{"Quarterly report",   "Letter to Ålesund", "Travel plan",
                                               "Minutes of Tuesday", "Thesis, chapter 3", "Recipe book"};
   constexpr std::array<const char*, 6> pages{"Weather for the week", "Train timetable", "Museum of Clocks",
-                                             "Garden forum", "Open street map", "Radio programme"};
-  const auto pick = [number](const auto& names) { return names.at(static_cast<std::size_t>(number / 8) % names.size()); };
+                                             "Garden forum",         "Open street map", "Radio programme"};
+  const auto pick = [number](const auto& names) {
+    return names.at(static_cast<std::size_t>(number / 8) % names.size());
+  };
   switch (number % 8) {
     case 0: return {fmt::format("{} – Editor", pick(files)), "Editor", editor(number, width, height)};
     case 1: return {fmt::format("{} – Browser", pick(pages)), "Browser", browser(number, width, height)};
@@ -172,7 +176,8 @@ Picture landscape(int width, int height) {
   picture.shade({0, 0, width, height * 4 / 5}, 0x22305C, 0xE8A87C);
   picture.disc(width * 0.68, height * 0.52, height * 0.075, 0xFFE3C2);
   for (int i = 0; i < 5; ++i) {
-    picture.hills(height * (0.46 - 0.085 * i), height * 0.045, width / 9.0, 1.3 * i, mix(0x9C6B82, 0x141A30, 0.22 * (i + 0.6)));
+    picture.hills(height * (0.46 - 0.085 * i), height * 0.045, width / 9.0, 1.3 * i,
+                  mix(0x9C6B82, 0x141A30, 0.22 * (i + 0.6)));
   }
   return picture;
 }

@@ -16,8 +16,7 @@ constexpr double border = 2;
 
 /// The area of a window that is on screen; nothing for others.
 std::optional<Rectangle> shownPanel(const XConnection& x, xcb_window_t window) {
-  const auto attributes =
-      x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x.get(), window));
+  const auto attributes = x.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(x.get(), window));
   if (!attributes || attributes->override_redirect == 0 || attributes->map_state != XCB_MAP_STATE_VIEWABLE) return {};
   if (x.text(window, "WM_CLASS").find("tessaspaces") == std::string::npos) return {};
   const auto at = x.reply(xcb_get_geometry_reply, xcb_get_geometry(x.get(), window));
@@ -59,9 +58,8 @@ bool Overview::keyboardIsTaken() const {
   const XConnection& x = session_->probe.connection();
   // Nobody who takes it at this very moment finds it taken by the question.
   xcb_grab_server(x.get());
-  const auto grab = x.reply(xcb_grab_keyboard_reply,
-                            xcb_grab_keyboard(x.get(), 0, x.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                                              XCB_GRAB_MODE_ASYNC));
+  const auto grab = x.reply(xcb_grab_keyboard_reply, xcb_grab_keyboard(x.get(), 0, x.root(), XCB_CURRENT_TIME,
+                                                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
   xcb_ungrab_keyboard(x.get(), XCB_CURRENT_TIME);
   xcb_ungrab_server(x.get());
   x.roundTrip();

@@ -58,9 +58,8 @@ bool X11HotKeys::isHeld(KeyCombo combo) {
   pump_.drainLater();
   if (!keymap) return false;
   const auto keys = keysOf(combo);
-  return std::any_of(keys.begin(), keys.end(), [&](const Key& key) {
-    return (keymap->keys[key.keycode / 8] & 1U << key.keycode % 8) != 0;
-  });
+  return std::any_of(keys.begin(), keys.end(),
+                     [&](const Key& key) { return (keymap->keys[key.keycode / 8] & 1U << key.keycode % 8) != 0; });
 }
 
 void X11HotKeys::handle(const xcb_generic_event_t& event) {

@@ -81,11 +81,11 @@ XSettings XSettings::parse(std::span<const std::uint8_t> data) {
 XSettings XSettings::read(Connection& connection) {
   auto& channel = connection.requests();
   const auto& atoms = connection.atoms();
-  const auto owner = channel.await<xcb_get_selection_owner_reply>(
-      channel.send<xcb_get_selection_owner>(atoms.xsettingsSelection));
+  const auto owner =
+      channel.await<xcb_get_selection_owner_reply>(channel.send<xcb_get_selection_owner>(atoms.xsettingsSelection));
   if (!owner || owner->owner == XCB_NONE) return {};
-  const auto reply = channel.await<xcb_get_property_reply>(
-      askProperty(channel, owner->owner, atoms.xsettingsSettings, mostBytes / 4));
+  const auto reply =
+      channel.await<xcb_get_property_reply>(askProperty(channel, owner->owner, atoms.xsettingsSettings, mostBytes / 4));
   const auto data = bytes(reply);
   if (!data) return {};
   return parse({reinterpret_cast<const std::uint8_t*>(data->data()), data->size()});

@@ -229,9 +229,11 @@ void DesktopBackgrounds::lookAt(const Key& key, Desktop& desktop) {
   const auto found = learned_.find(desktop.cacheKey);
   if (found != learned_.end() && !std::holds_alternative<UnknownWallpaper>(desktop.wallpaper) &&
       found->second.wallpaper != identityOf(desktop.wallpaper)) {
-    forgetLearned(desktop.cacheKey);
+    learned_.erase(found);
+    save({});
   }
   if (!isNew) return;
+  beginGeneration(desktop);
   desktop.broken = false;
   changeSoon();
 }
@@ -239,7 +241,11 @@ void DesktopBackgrounds::lookAt(const Key& key, Desktop& desktop) {
 void DesktopBackgrounds::wallpaperChanged() {
   // What was seen of the desktops may be the old one, and nothing tells which of them have another now.
   if (!std::exchange(learned_, {}).empty()) save({});
-  for (auto& [key, desktop] : desktops_) desktop.learned.reset();
+  cacheOutdated_ = true;
+  for (auto& [key, desktop] : desktops_) {
+    desktop.learned.reset();
+    beginGeneration(desktop);
+  }
   lookSoon();
 }
 
@@ -274,11 +280,16 @@ void DesktopBackgrounds::learn(const std::string& displayUUID, SpaceID space) {
   const Rect top{place.display.x, place.display.y - primaryTop, 0, 0};
   const auto known = learned_.find(desktop.cacheKey);
   const auto before = known != learned_.end() ? known->second.picture : nullptr;
-  work_.add([this, picture, before, covered = coveredBy(*windows, place, top, *picture), cacheKey = desktop.cacheKey,
+  work_.add([this, key, generation = desktop.generation, picture, before,
+             covered = coveredBy(*windows, place, top, *picture), cacheKey = desktop.cacheKey,
              identity = identityOf(desktop.wallpaper)]() -> SerialWork::Report {
     auto learned = learnFrom(*picture, covered, before);
     if (!learned.picture || learned.picture == before) return {};
-    return [this, learned, cacheKey, identity] { keep(cacheKey, {identity, learned.color, learned.picture, 0}); };
+    return [this, key, generation, learned, cacheKey, identity] {
+      const auto still = desktops_.find(key);
+      if (still == desktops_.end() || still->second.generation != generation) return;
+      keep(cacheKey, {identity, learned.color, learned.picture, 0});
+    };
   });
 }
 
@@ -294,15 +305,11 @@ void DesktopBackgrounds::keep(const std::string& key, LearnedBackground backgrou
 }
 
 void DesktopBackgrounds::takeCached(LearnedBackgrounds cached) {
+  if (cacheOutdated_) return save({});  // nothing was learned yet: that is done after the cache was read
   for (const auto& [key, background] : cached) order_ = std::max(order_, background.order);
   learned_.merge(cached);  // what was learned in the meantime is newer
   lookSoon();
   changeSoon();
-}
-
-void DesktopBackgrounds::forgetLearned(const std::string& key) {
-  learned_.erase(key);
-  save({});
 }
 
 void DesktopBackgrounds::save(std::set<std::string> fresh) {

@@ -51,6 +51,8 @@ class DesktopBackgrounds final : public TileBackgrounds {
     /// What was last shown, until something else is ready.
     std::optional<TileBackground> shown;
     std::optional<TimePoint> learned;
+    /// Never the same again once it may have another wallpaper: a picture taken before does not count any more.
+    std::uint64_t generation = 0;
   };
 
   void lookSoon();
@@ -72,7 +74,7 @@ class DesktopBackgrounds final : public TileBackgrounds {
 
   void takeCached(LearnedBackgrounds cached);
   void keep(const std::string& key, LearnedBackground background);
-  void forgetLearned(const std::string& key);
+  void beginGeneration(Desktop& desktop) { desktop.generation = ++generation_; }
   void save(std::set<std::string> fresh);
 
   Dispatch& dispatch_;
@@ -83,6 +85,9 @@ class DesktopBackgrounds final : public TileBackgrounds {
   std::map<std::string, WallpaperPlace> places_;
   LearnedBackgrounds learned_;
   std::uint64_t order_ = 0;
+  std::uint64_t generation_ = 0;
+  /// The wallpaper has changed since the last run's pictures were asked for.
+  bool cacheOutdated_ = false;
   bool lookPending_ = false;
   std::optional<TimePoint> lastLook_;
   bool changePending_ = false;

@@ -244,6 +244,28 @@ TEST_F(BackgroundTest, ADesktopIsLearnedFromWhatIsSeenOfIt) {
   EXPECT_TRUE(cached().empty());
 }
 
+TEST_F(BackgroundTest, APictureOfTheOldWallpaperComesTooLate) {
+  begin();
+  show(1, red);
+  ready(1);
+  backgrounds->learn("main", 1);  // its work waits
+  sim->windowCapture().wallpaperChanged.emit();
+  settle();
+  EXPECT_FALSE(ready(1).image);
+  EXPECT_FALSE(fs::exists(cacheFolder) && !cached().empty());
+  show(1, green);
+  backgrounds->learn("main", 1);
+  settle();
+  EXPECT_EQ(ready(1).color, green) << "at once, and without the old one";
+
+  // The same of what the last run has left, while that is being read.
+  backgrounds = std::make_unique<DesktopBackgrounds>(cacheFolder);
+  sim->windowCapture().wallpaperChanged.emit();
+  settle();
+  EXPECT_FALSE(ready(1).image);
+  EXPECT_TRUE(cached().empty());
+}
+
 TEST_F(BackgroundTest, WhatWasLearnedIsThereInTheNextRun) {
   begin();
   for (const auto& [space, color] : {std::pair{SpaceID{1}, red}, std::pair{SpaceID{3}, green}}) {

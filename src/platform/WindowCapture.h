@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "base/Geometry.h"
 #include "base/Image.h"
 #include "base/Signal.h"
 #include "platform/WindowServer.h"
@@ -105,6 +106,10 @@ class WindowCapture {
   /// What the display (ManagedDisplay::displayIdentifier) shows now, windows and all, at most `longestSide` pixels wide
   /// and high (0: as it is). Opaque. Null for a display that is not there.
   virtual ImageRef screenContent(std::string_view display, int longestSide) = 0;
+  /// Where `screenContent` shows windows now that the window list may not have (X11: menus, tool tips, notifications,
+  /// lockers and whatever else keeps out of the window manager's hands, also this program's own), on any display, in
+  /// the coordinates of WindowInfo::bounds. Empty before `begin`, and where the list has all. On X11 a few round trips.
+  virtual std::vector<Rect> unlistedWindows() = 0;
 
   /// These windows look different now, or have a preview for the first time. A few times a second at most, and for a
   /// window on screen not again until `previews` was asked for it.

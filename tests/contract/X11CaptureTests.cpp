@@ -220,6 +220,41 @@ TEST_P(X11CaptureTest, TheRootsPixmapIsTheWallpaperOfEachMonitor) {
   EXPECT_TRUE(driver->until([&] { return changed.heard() && !wallpaper(0); }));
 }
 
+TEST_P(X11CaptureTest, MenusAreToldOfThoughNoListHasThem) {
+  start();
+  const XConnection x(displayName());
+  const auto map = [&](const Rect& bounds, std::uint16_t kind, bool shown) {
+    const xcb_window_t window = xcb_generate_id(x.get());
+    const std::uint32_t overrides = 1;
+    xcb_create_window(x.get(), XCB_COPY_FROM_PARENT, window, x.root(), static_cast<std::int16_t>(bounds.x),
+                      static_cast<std::int16_t>(bounds.y), static_cast<std::uint16_t>(bounds.width),
+                      static_cast<std::uint16_t>(bounds.height), 0, kind, XCB_COPY_FROM_PARENT,
+                      XCB_CW_OVERRIDE_REDIRECT, &overrides);
+    if (shown) xcb_map_window(x.get(), window);
+    x.roundTrip();
+    return window;
+  };
+  const Rect menu{300, 200, 150, 400};
+  EXPECT_THAT(capture().unlistedWindows(), testing::IsEmpty()) << "before the beginning";
+  ASSERT_TRUE(capture().begin());
+  // Frames are windows of the same kind, also those of desktop windows, of which there are no previews.
+  const auto ordinary = driver->open({.title = "ordinary"});
+  const auto desktop = driver->open({.title = "desktop"});
+  x.setNumbers(desktop, "_NET_WM_WINDOW_TYPE", "ATOM", {x.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
+  EXPECT_TRUE(driver->until([&] { return info(ordinary) && info(desktop); }));
+  EXPECT_TRUE(driver->until([&] { return capture().unlistedWindows().empty(); }));
+
+  map({10, 10, 7, 200}, XCB_WINDOW_CLASS_INPUT_OUTPUT, true);
+  map({10, 10, 200, 200}, XCB_WINDOW_CLASS_INPUT_OUTPUT, false);
+  map({10, 10, 200, 200}, XCB_WINDOW_CLASS_INPUT_ONLY, true);
+  EXPECT_THAT(capture().unlistedWindows(), testing::IsEmpty()) << "nothing to be seen";
+  const auto shown = map(menu, XCB_WINDOW_CLASS_INPUT_OUTPUT, true);
+  EXPECT_THAT(capture().unlistedWindows(), testing::ElementsAre(menu));
+  xcb_destroy_window(x.get(), shown);
+  x.roundTrip();
+  EXPECT_THAT(capture().unlistedWindows(), testing::IsEmpty());
+}
+
 TEST_P(X11CaptureTest, XfceTellsOfEachDesktop) {
   start();
   ASSERT_TRUE(capture().begin());

@@ -25,6 +25,7 @@ class SimulatedCapture final : public WindowCapture {
   std::vector<ImageRef> previews(std::span<const WindowID> windows) override;
   Wallpaper wallpaper(std::string_view display, SpaceID space, int longestSide) override;
   ImageRef screenContent(std::string_view display, int longestSide) override;
+  std::vector<Rect> unlistedWindows() override { return begun_ ? unlisted_ : std::vector<Rect>{}; }
 
   // What the outside does.
   /// The window shows this from now on, or once it is on screen.
@@ -32,6 +33,8 @@ class SimulatedCapture final : public WindowCapture {
   /// Space 0: whichever desktop the display shows.
   void setWallpaper(const std::string& display, SpaceID space, Wallpaper wallpaper);
   void setScreenContent(const std::string& display, ImageRef content);
+  /// From now on menus and the like are on screen here, as on X11.
+  void setUnlistedWindows(std::vector<Rect> windows) { unlisted_ = std::move(windows); }
   /// Something in the world has changed.
   void notice();
 
@@ -55,6 +58,7 @@ class SimulatedCapture final : public WindowCapture {
   std::map<std::pair<std::string, SpaceID>, Wallpaper> wallpapers_;
   std::map<std::pair<ImageRef, int>, ImageRef> scaledWallpapers_;  // by the original and the longest side
   std::map<std::string, ImageRef, std::less<>> screens_;
+  std::vector<Rect> unlisted_;
 };
 
 }  // namespace tessaspaces

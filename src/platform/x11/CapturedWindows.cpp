@@ -34,6 +34,10 @@ CapturedWindow* CapturedWindows::find(WindowID window) {
   return found == windows_.end() ? nullptr : &found->second;
 }
 
+bool CapturedWindows::holdsClient(xcb_window_t top) const {
+  return std::any_of(windows_.begin(), windows_.end(), [&](const auto& entry) { return entry.second.top == top; });
+}
+
 CapturedWindow* CapturedWindows::byFrame(xcb_window_t frame) {
   const auto found = clientOf_.find(frame);
   return found == clientOf_.end() ? nullptr : find(found->second);
@@ -191,6 +195,7 @@ void CapturedWindows::resolveFrames() {
   std::vector<xcb_window_t> gone;
   for (const auto& search : searches) {
     auto& window = *search.window;
+    window.top = search.top;
     if (search.top == window.frame && listed_.contains(window.client)) continue;
     if (search.top != window.frame) detach(window);
     if (search.top == XCB_NONE) gone.push_back(window.client);

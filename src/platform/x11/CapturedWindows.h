@@ -20,6 +20,8 @@ namespace tessaspaces {
 /// that holds it, or itself.
 struct CapturedWindow {
   xcb_window_t client = XCB_NONE;
+  /// The child of the root that holds it, or itself, whether captured or not; none while it is not known.
+  xcb_window_t top = XCB_NONE;
   xcb_window_t frame = XCB_NONE;  // none while it is not known, or not to be captured
   bool mapped = false;
   TimePoint mappedAt;
@@ -55,6 +57,8 @@ class CapturedWindows {
 
   /// Null when it is not there.
   CapturedWindow* find(WindowID window);
+  /// This child of the root is a listed window, or the frame of one.
+  [[nodiscard]] bool holdsClient(xcb_window_t top) const;
   /// Shown so recently that it may not have drawn itself again, while an older picture is at hand.
   [[nodiscard]] bool isSettling(const CapturedWindow& window) const;
   static constexpr auto settleTime = std::chrono::milliseconds(200);

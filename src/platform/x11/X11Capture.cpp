@@ -7,6 +7,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/x11/UnlistedWindows.h"
+
 namespace tessaspaces {
 namespace {
 
@@ -352,6 +354,20 @@ ImageRef X11Capture::screenContent(std::string_view display, int longestSide) {
   releaseMemoryLater();
   drainLater();
   return image;
+}
+
+std::vector<Rect> X11Capture::unlistedWindows() {
+  if (!session_) return {};
+  const auto overriding = overridingWindows(*session_->link);
+  // The news of their clients came before that answer.
+  takeEvents();
+  act();
+  std::vector<Rect> found;
+  for (const auto& [window, bounds] : overriding) {
+    if (!session_->windows.holdsClient(window)) found.push_back(bounds);
+  }
+  drainLater();
+  return found;
 }
 
 }  // namespace tessaspaces

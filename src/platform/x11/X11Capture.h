@@ -34,6 +34,7 @@ class X11Capture : public WindowCapture {
   std::vector<ImageRef> previews(std::span<const WindowID> windows) override;
   Wallpaper wallpaper(std::string_view display, SpaceID space, int longestSide) override;
   ImageRef screenContent(std::string_view display, int longestSide) override;
+  std::vector<Rect> unlistedWindows() override;
 
   /// See Channel::roundTrips. Any thread, but not while `begin` or `stop` runs.
   [[nodiscard]] std::uint64_t roundTrips() const;

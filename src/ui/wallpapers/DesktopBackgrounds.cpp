@@ -58,17 +58,24 @@ TileBackground shown(const PaintedBackground& background) {
   return {background.image, background.color};
 }
 
+std::vector<Rect> framesOf(const std::vector<WindowInfo>& windows) {
+  std::vector<Rect> frames;
+  for (const auto& window : windows) {
+    if (!window.bounds) continue;
+    const auto& bounds = *window.bounds;
+    frames.push_back({bounds.x.value_or(0), bounds.y.value_or(0), bounds.width.value_or(0), bounds.height.value_or(0)});
+  }
+  return frames;
+}
+
 /// Where windows are in a picture of a display, with what they cast around them.
-std::vector<Rect> coveredBy(const std::vector<WindowInfo>& windows, const WallpaperPlace& place, const Rect& top,
+std::vector<Rect> coveredBy(const std::vector<Rect>& windows, const WallpaperPlace& place, const Rect& top,
                             const Image& picture) {
   std::vector<Rect> covered;
   const double across = picture.width / std::max(1.0, place.display.width);
   const double down = picture.height / std::max(1.0, place.display.height);
   for (const auto& window : windows) {
-    if (!window.bounds) continue;
-    const auto& bounds = *window.bounds;
-    const Rect frame{bounds.x.value_or(0) - top.x, bounds.y.value_or(0) - top.y, bounds.width.value_or(0),
-                     bounds.height.value_or(0)};
+    const Rect frame{window.x - top.x, window.y - top.y, window.width, window.height};
     const auto around = frame.inset(-shadow / place.scale, -shadow / place.scale);
     covered.push_back(
         Rect{around.x * across, around.y * down, around.width * across, around.height * down}.inset(-mixed, -mixed));
@@ -270,9 +277,15 @@ void DesktopBackgrounds::learn(const std::string& displayUUID, SpaceID space) {
   if (desktop.learned && now - *desktop.learned < learnPause) return;
   if (Spaces::currentSpaceID(displayUUID) != space) return;
   const auto place = placeOf(displayUUID);
-  const auto picture = platform().windowCapture().screenContent(displayUUID, BackgroundCache::longestSide);
+  // A notification may come or go around the moment of the picture: what is there before or after is not believed.
+  auto& capture = platform().windowCapture();
+  auto frames = capture.unlistedWindows();
+  const auto picture = capture.screenContent(displayUUID, BackgroundCache::longestSide);
   const auto windows = platform().windowList().copyWindowInfo(WindowListOption::onScreenWithoutDesktopElements);
   if (!picture || !windows) return;
+  for (const auto& more : {framesOf(*windows), capture.unlistedWindows()}) {
+    frames.insert(frames.end(), more.begin(), more.end());
+  }
   desktop.learned = now;
 
   const auto screens = platform().screens().screens();
@@ -281,7 +294,7 @@ void DesktopBackgrounds::learn(const std::string& displayUUID, SpaceID space) {
   const auto known = learned_.find(desktop.cacheKey);
   const auto before = known != learned_.end() ? known->second.picture : nullptr;
   work_.add([this, key, generation = desktop.generation, picture, before,
-             covered = coveredBy(*windows, place, top, *picture), cacheKey = desktop.cacheKey,
+             covered = coveredBy(frames, place, top, *picture), cacheKey = desktop.cacheKey,
              identity = identityOf(desktop.wallpaper)]() -> SerialWork::Report {
     auto learned = learnFrom(*picture, covered, before);
     if (!learned.picture || learned.picture == before) return {};

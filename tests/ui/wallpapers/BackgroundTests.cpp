@@ -244,6 +244,27 @@ TEST_F(BackgroundTest, ADesktopIsLearnedFromWhatIsSeenOfIt) {
   EXPECT_TRUE(cached().empty());
 }
 
+TEST_F(BackgroundTest, MenusAndLockersAreNotLearned) {
+  begin();
+  show(1, red);
+  sim->pictures().setUnlistedWindows({{0, 0, 1920, 1080}});
+  backgrounds->learn("main", 1);
+  settle();
+  EXPECT_FALSE(ready(1).image) << "nothing of the desktop is seen";
+  EXPECT_FALSE(fs::exists(cacheFolder) && !cached().empty());
+
+  sim->time().advance(DesktopBackgrounds::learnPause);
+  auto screen = std::make_shared<Image>(*plain(red));
+  std::fill_n(screen->pixels.begin(), 192 * 30, green);  // a notification over the whole width
+  sim->pictures().setScreenContent("main", screen);
+  sim->pictures().setUnlistedWindows({{0, 0, 1920, 300}});
+  backgrounds->learn("main", 1);
+  const auto found = ready(1);
+  ASSERT_TRUE(found.image);
+  EXPECT_EQ(found.color, red);
+  EXPECT_EQ(std::count(found.image->pixels.begin(), found.image->pixels.end(), red), std::ssize(found.image->pixels));
+}
+
 TEST_F(BackgroundTest, APictureOfTheOldWallpaperComesTooLate) {
   begin();
   show(1, red);

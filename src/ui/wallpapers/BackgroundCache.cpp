@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <optional>
+#include <set>
 
 #include "settings/AtomicFile.h"
 #include "settings/ConfigFolder.h"
@@ -46,7 +47,7 @@ std::optional<LearnedBackground> entryFrom(const Json& json) {
   const auto color = colorFrom(asString(lookup(object, "color")).value_or(""));
   const auto order = asInteger(lookup(object, "order"));
   if (!wallpaper || !color || !order || *order < 0) return std::nullopt;
-  return LearnedBackground{*wallpaper, *color, nullptr, static_cast<std::uint64_t>(*order)};
+  return LearnedBackground{*wallpaper, *color, static_cast<std::uint64_t>(*order)};
 }
 
 }  // namespace
@@ -82,7 +83,6 @@ LearnedBackgrounds BackgroundCache::read() const {
     if (!entry) {
       Log::warning("WALLPAPER: {} makes no sense about '{}'", displayPath(file), key);
     } else if (found.size() < mostEntries) {
-      entry->picture = readPicture(key);
       found.emplace(key, std::move(*entry));
     }
   }
@@ -105,14 +105,12 @@ ImageRef BackgroundCache::readPicture(const std::string& key) const {
   return nullptr;
 }
 
-void BackgroundCache::write(const LearnedBackgrounds& backgrounds, const std::set<std::string>& changed) const {
+void BackgroundCache::write(const LearnedBackgrounds& backgrounds,
+                            const std::map<std::string, ImageRef>& pictures) const {
   std::error_code error;
   fs::create_directories(folder_, error);
   // The pictures first: what the index names is there.
-  for (const auto& key : changed) {
-    const auto found = backgrounds.find(key);
-    if (found != backgrounds.end() && found->second.picture) writePicture(key, *found->second.picture);
-  }
+  for (const auto& [key, picture] : pictures) writePicture(key, *picture);
   JsonObject desktops;
   for (const auto& [key, background] : backgrounds) {
     desktops[validUtf8(key)] = {{"wallpaper", validUtf8(background.wallpaper)},

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,14 +11,13 @@
 
 namespace tessaspaces {
 
-/// What was learned of what lies behind a desktop's windows.
+/// What was learned of what lies behind a desktop's windows. Its picture is in its file alone: of all desktops together
+/// they would take more memory than the rest of the program.
 struct LearnedBackground {
   /// The wallpaper under which it was learned.
   std::string wallpaper;
   /// The average, 0xAARRGGBB, opaque.
   std::uint32_t color = 0xFF000000;
-  /// Transparent where windows have covered the desktop so far. Null where its file was lost.
-  ImageRef picture;
   /// The greater, the later it was learned.
   std::uint64_t order = 0;
   friend bool operator==(const LearnedBackground&, const LearnedBackground&) = default;
@@ -38,9 +36,12 @@ class BackgroundCache {
   [[nodiscard]] static std::filesystem::path standardFolder();
 
   [[nodiscard]] LearnedBackgrounds read() const;
-  /// Everything there is to keep; `changed` are those whose pictures are not in their files yet. Files of no use any
-  /// more are removed.
-  void write(const LearnedBackgrounds& backgrounds, const std::set<std::string>& changed) const;
+  /// The picture learned of a desktop, transparent where windows have covered that so far. Null where its file was
+  /// lost.
+  [[nodiscard]] ImageRef readPicture(const std::string& key) const;
+  /// Everything there is to keep, with the pictures that are not in their files yet. Files of no use any more are
+  /// removed.
+  void write(const LearnedBackgrounds& backgrounds, const std::map<std::string, ImageRef>& pictures) const;
 
   /// How many are kept, of all monitors that were ever plugged in.
   static constexpr std::size_t mostEntries = 32;
@@ -49,7 +50,6 @@ class BackgroundCache {
 
  private:
   [[nodiscard]] std::filesystem::path pictureFile(std::string_view key) const;
-  [[nodiscard]] ImageRef readPicture(const std::string& key) const;
   void writePicture(const std::string& key, const Image& picture) const;
   void removeOrphans(const LearnedBackgrounds& backgrounds) const;
   void replace(const std::filesystem::path& file, std::string_view bytes) const;

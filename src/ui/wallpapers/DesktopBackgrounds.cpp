@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -89,7 +90,7 @@ DesktopBackgrounds::DesktopBackgrounds(std::filesystem::path cacheFolder)
     : dispatch_(platform().dispatch()),
       cache_(std::move(cacheFolder)),
       work_(dispatch_),
-      rendered_(work_, [this] { changeSoon(); }) {
+      rendered_(work_, cache_, [this] { changeSoon(); }) {
   wallpaperChanged_ = platform().windowCapture().wallpaperChanged.connect([this] { wallpaperChanged(); });
   screensChanged_ = platform().screens().changed.connect([this] { lookSoon(); });
   work_.add(
@@ -129,12 +130,12 @@ void DesktopBackgrounds::makeAhead() {
 
 std::optional<TileBackground> DesktopBackgrounds::ofWallpaper(const Key& key, Desktop& desktop, ImageSize pixels) {
   if (const auto* painted = std::get_if<PaintedWallpaper>(&desktop.wallpaper)) {
-    const auto* ready = rendered_.find({std::nullopt, {}, painted->image}, pixels);
+    const auto* ready = rendered_.find({std::nullopt, {}, painted->image, std::nullopt}, pixels);
     return ready != nullptr ? shown(*ready) : TileBackground{};
   }
   const auto* file = std::get_if<WallpaperFile>(&desktop.wallpaper);
   if (file == nullptr) return std::nullopt;
-  const auto* ready = rendered_.find({*file, placeOf(key.first), nullptr}, pixels);
+  const auto* ready = rendered_.find({*file, placeOf(key.first), nullptr, std::nullopt}, pixels);
   if (ready == nullptr) return TileBackground{nullptr, file->firstColor};
   desktop.broken = !ready->complaint.empty();
   if (!desktop.broken) return shown(*ready);
@@ -145,9 +146,10 @@ std::optional<TileBackground> DesktopBackgrounds::ofWallpaper(const Key& key, De
 std::optional<TileBackground> DesktopBackgrounds::ofLearned(const Desktop& desktop, ImageSize pixels) {
   const auto found = learned_.find(desktop.cacheKey);
   if (found == learned_.end()) return std::nullopt;
-  if (!found->second.picture) return TileBackground{nullptr, found->second.color};
-  const auto* ready = rendered_.find({std::nullopt, {}, found->second.picture}, pixels);
-  return ready != nullptr ? shown(*ready) : TileBackground{nullptr, found->second.color};
+  const auto& [key, background] = *found;
+  const auto* ready =
+      rendered_.find({std::nullopt, {}, nullptr, LearnedSource{key, background.order, background.color}}, pixels);
+  return ready != nullptr ? shown(*ready) : TileBackground{nullptr, background.color};
 }
 
 WallpaperPlace DesktopBackgrounds::placeOf(const std::string& displayUUID) const {
@@ -291,29 +293,29 @@ void DesktopBackgrounds::learn(const std::string& displayUUID, SpaceID space) {
   const auto screens = platform().screens().screens();
   const double primaryTop = screens.empty() ? 0 : -screens.front()->frame.maxY();
   const Rect top{place.display.x, place.display.y - primaryTop, 0, 0};
-  const auto known = learned_.find(desktop.cacheKey);
-  const auto before = known != learned_.end() ? known->second.picture : nullptr;
-  work_.add([this, key, generation = desktop.generation, picture, before,
+  const bool known = learned_.contains(desktop.cacheKey);
+  work_.add([this, key, cache = cache_, generation = desktop.generation, picture, known,
              covered = coveredBy(frames, place, top, *picture), cacheKey = desktop.cacheKey,
              identity = identityOf(desktop.wallpaper)]() -> SerialWork::Report {
+    const auto before = known ? cache.readPicture(cacheKey) : nullptr;
     auto learned = learnFrom(*picture, covered, before);
     if (!learned.picture || learned.picture == before) return {};
     return [this, key, generation, learned, cacheKey, identity] {
       const auto still = desktops_.find(key);
       if (still == desktops_.end() || still->second.generation != generation) return;
-      keep(cacheKey, {identity, learned.color, learned.picture, 0});
+      keep(cacheKey, {identity, learned.color, 0}, learned.picture);
     };
   });
 }
 
-void DesktopBackgrounds::keep(const std::string& key, LearnedBackground background) {
+void DesktopBackgrounds::keep(const std::string& key, LearnedBackground background, const ImageRef& picture) {
   background.order = ++order_;
   learned_[key] = std::move(background);
   while (learned_.size() > BackgroundCache::mostEntries) {
     learned_.erase(std::min_element(learned_.begin(), learned_.end(),
                                     [](const auto& a, const auto& b) { return a.second.order < b.second.order; }));
   }
-  save({key});
+  save({{key, picture}});
   changeSoon();
 }
 
@@ -325,7 +327,7 @@ void DesktopBackgrounds::takeCached(LearnedBackgrounds cached) {
   changeSoon();
 }
 
-void DesktopBackgrounds::save(std::set<std::string> fresh) {
+void DesktopBackgrounds::save(std::map<std::string, ImageRef> fresh) {
   work_.add([cache = cache_, backgrounds = learned_, fresh = std::move(fresh)]() -> SerialWork::Report {
     cache.write(backgrounds, fresh);
     return {};

@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 
@@ -73,9 +72,10 @@ class DesktopBackgrounds final : public TileBackgrounds {
   [[nodiscard]] int neededSide(const std::string& displayUUID, ImageSize pixels) const;
 
   void takeCached(LearnedBackgrounds cached);
-  void keep(const std::string& key, LearnedBackground background);
+  void keep(const std::string& key, LearnedBackground background, const ImageRef& picture);
   void beginGeneration(Desktop& desktop) { desktop.generation = ++generation_; }
-  void save(std::set<std::string> fresh);
+  /// With the pictures that are not in the cache yet.
+  void save(std::map<std::string, ImageRef> fresh);
 
   Dispatch& dispatch_;
   BackgroundCache cache_;

@@ -31,7 +31,7 @@ const PaintedBackground* RenderedBackgrounds::find(const BackgroundSource& sourc
 
 void RenderedBackgrounds::render(const Entry& entry) {
   // The lifetime of this object is that of the work's owner: no report comes after that.
-  work_.add([this, source = entry.source, pixels = entry.pixels]() -> SerialWork::Report {
+  work_.add([this, cache = cache_, source = entry.source, pixels = entry.pixels]() -> SerialWork::Report {
     auto rendering = std::make_shared<Rendering>();
     if (source.file) {
       // Before the picture is read: a change in between is seen the next time.
@@ -39,6 +39,10 @@ void RenderedBackgrounds::render(const Entry& entry) {
       rendering->background = paintWallpaper(*source.file, source.place, pixels);
     } else if (source.picture) {
       rendering->background = coverWith(*source.picture, pixels);
+    } else if (source.learned) {
+      const auto picture = cache.readPicture(source.learned->key);
+      rendering->background =
+          picture ? coverWith(*picture, pixels) : PaintedBackground{nullptr, source.learned->color, {}};
     }
     return [this, source, pixels, rendering] { finished(source, pixels, *rendering); };
   });

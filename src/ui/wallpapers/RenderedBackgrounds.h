@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <map>
@@ -7,18 +8,30 @@
 #include <string>
 
 #include "settings/AtomicFile.h"
+#include "ui/wallpapers/BackgroundCache.h"
 #include "ui/wallpapers/SerialWork.h"
 #include "ui/wallpapers/WallpaperPainter.h"
 
 namespace tessaspaces {
 
-/// Where the picture of a background comes from: a wallpaper's file, or a picture at hand.
+/// A picture in the cache, read when it is rendered.
+struct LearnedSource {
+  std::string key;
+  /// Changes with the picture.
+  std::uint64_t order = 0;
+  /// Shown where the picture is lost.
+  std::uint32_t color = 0xFF000000;
+  friend bool operator==(const LearnedSource&, const LearnedSource&) = default;
+};
+
+/// Where the picture of a background comes from: a wallpaper's file, a picture at hand, or what was learned.
 struct BackgroundSource {
   std::optional<WallpaperFile> file;
   /// With a file alone.
   WallpaperPlace place;
-  /// Without one. Counts by identity.
+  /// Counts by identity.
   ImageRef picture;
+  std::optional<LearnedSource> learned;
   friend bool operator==(const BackgroundSource&, const BackgroundSource&) = default;
 };
 
@@ -27,7 +40,8 @@ struct BackgroundSource {
 class RenderedBackgrounds {
  public:
   /// `changed` is called when something that was asked for is there.
-  RenderedBackgrounds(SerialWork& work, std::function<void()> changed) : work_(work), changed_(std::move(changed)) {}
+  RenderedBackgrounds(SerialWork& work, BackgroundCache cache, std::function<void()> changed)
+      : work_(work), cache_(std::move(cache)), changed_(std::move(changed)) {}
 
   /// At once: in this size, else in another one while this is being made; null while there is none. Valid until the
   /// main thread does something else.
@@ -56,6 +70,7 @@ class RenderedBackgrounds {
   void complain(const std::string& path, const std::string& complaint);
 
   SerialWork& work_;
+  BackgroundCache cache_;
   std::function<void()> changed_;
   std::list<Entry> entries_;
   std::map<std::string, std::string> complaints_;  // the last one about each file

@@ -15,7 +15,7 @@ namespace {
 /// "PSTR", which tells this program's hot keys from others in the same event stream.
 constexpr std::uint32_t signature = 0x50535452;
 /// Nobody lets a key go and presses it again in less.
-constexpr auto heldInterval = std::chrono::milliseconds(40);
+constexpr auto heldInterval = std::chrono::milliseconds(15);
 
 }  // namespace
 

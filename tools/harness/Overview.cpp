@@ -83,6 +83,8 @@ void Overview::open() const {
 void Overview::close() const {
   session_->keyboard.press(key);
   if (!waitUntilClosed()) throw Failure("the overview does not close");
+  // No hand presses the key again sooner, and what comes sooner counts as its repeat.
+  std::this_thread::sleep_for(Milliseconds(50));
 }
 
 Rectangle Overview::content(int index, int count, std::size_t monitor) const {

@@ -1,6 +1,7 @@
 #include "grid/packing/FreeSpace.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace tessaspaces::packing {
@@ -15,8 +16,11 @@ struct Area {
   [[nodiscard]] bool overlaps(const Area& other) const {
     return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
   }
+  /// They have a part of an edge in common.
   [[nodiscard]] bool touches(const Area& other) const {
-    return right == other.left || left == other.right || bottom == other.top || top == other.bottom;
+    if (right == other.left || left == other.right) return top < other.bottom && other.top < bottom;
+    if (bottom == other.top || top == other.bottom) return left < other.right && other.left < right;
+    return false;
   }
 };
 
@@ -52,7 +56,7 @@ class FreeAreas {
   }
 
   void take(const Area& taken) {
-    pieces_.clear();
+    for (auto& side : pieces_) side.clear();
     beside_.clear();
     std::size_t kept = 0;
     for (const auto& area : areas_) {
@@ -61,35 +65,39 @@ class FreeAreas {
         areas_[kept++] = area;
         continue;
       }
-      add({area.left, area.top, taken.left, area.bottom});
-      add({taken.right, area.top, area.right, area.bottom});
-      add({area.left, area.top, area.right, taken.top});
-      add({area.left, taken.bottom, area.right, area.bottom});
+      add(pieces_[0], {area.left, area.top, taken.left, area.bottom});
+      add(pieces_[1], {taken.right, area.top, area.right, area.bottom});
+      add(pieces_[2], {area.left, area.top, area.right, taken.top});
+      add(pieces_[3], {area.left, taken.bottom, area.right, area.bottom});
     }
     areas_.resize(kept);
-    // What is left of an area may lie inside another: in the rest of another one, or in one that was not cut. That one
-    // then ends just where the box begins.
-    for (std::size_t i = 0; i < pieces_.size(); ++i) {
-      const auto& piece = pieces_[i];
+    for (const auto& side : pieces_) keepLargest(side);
+  }
+
+ private:
+  void add(std::vector<Area>& side, const Area& piece) const {
+    if (piece.right - piece.left < smallestWidth_ || piece.bottom - piece.top < smallestHeight_) return;
+    side.push_back(piece);
+  }
+
+  /// What is left of an area may lie inside another: in the rest of another one on the same side of the box (those on
+  /// its other sides end before it begins), or in one that was not cut. That one then ends just where the box begins.
+  void keepLargest(const std::vector<Area>& side) {
+    for (std::size_t i = 0; i < side.size(); ++i) {
+      const auto& piece = side[i];
       const auto holds = [&](const Area& other) { return piece.inside(other); };
-      const auto at = pieces_.begin() + static_cast<std::ptrdiff_t>(i);
+      const auto at = side.begin() + static_cast<std::ptrdiff_t>(i);
       // Of two equal pieces the first stays.
       const bool needless =
-          std::any_of(beside_.begin(), beside_.end(), holds) || std::any_of(pieces_.begin(), at, holds) ||
-          std::any_of(at + 1, pieces_.end(), [&](const Area& o) { return piece.inside(o) && !o.inside(piece); });
+          std::any_of(beside_.begin(), beside_.end(), holds) || std::any_of(side.begin(), at, holds) ||
+          std::any_of(at + 1, side.end(), [&](const Area& o) { return piece.inside(o) && !o.inside(piece); });
       if (!needless) areas_.push_back(piece);
     }
   }
 
- private:
-  void add(const Area& piece) {
-    if (piece.right - piece.left < smallestWidth_ || piece.bottom - piece.top < smallestHeight_) return;
-    pieces_.push_back(piece);
-  }
-
   std::vector<Area> areas_;
   // Used by `take` alone; here so that they keep their memory.
-  std::vector<Area> pieces_;
+  std::array<std::vector<Area>, 4> pieces_;  // left, right, above, below
   std::vector<Area> beside_;
   double smallestWidth_;
   double smallestHeight_;

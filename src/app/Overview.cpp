@@ -39,7 +39,7 @@ Overview::Overview()
     : system_(makePanelSystem()), coordinator_(panelWindows(*system_), backgrounds_), lock_([this] {
         if (!coordinator_.isOnScreen()) return;
         Log::info("GRID: the screen is locked — open grids closed");
-        coordinator_.hide();
+        coordinator_.close();
       }) {
   // The system delivers no hot keys while a panel has the keyboard.
   coordinator_.hotKeyPressed = [](KeyCombo combo) { return HotKeyCenter::shared().press(combo); };

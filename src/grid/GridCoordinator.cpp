@@ -167,10 +167,6 @@ bool GridCoordinator::isOnScreen() const {
                      [](const auto& entry) { return entry.second->isOnScreen(); });
 }
 
-void GridCoordinator::hide() {
-  for (const auto& [id, panel] : std::map(controllers_)) panel->close();
-}
-
 std::vector<std::shared_ptr<GridPanelController>> GridCoordinator::visiblePanels() const {
   std::vector<Panel> panels;
   for (const auto& screen : Spaces::distinctScreens()) {

@@ -37,10 +37,8 @@ class GridCoordinator {
   [[nodiscard]] bool isVisible() const;
   /// A panel covers its screen, be it on its way out.
   [[nodiscard]] bool isOnScreen() const;
-  /// At once.
+  /// At once, panels on their way out included.
   void close();
-  /// The same, and ends what panels do on their way out.
-  void hide();
   void closeAnimated();
   /// Each panel that is visible, between the standard and the exploded view.
   void toggleGridView();

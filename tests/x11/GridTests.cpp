@@ -199,6 +199,33 @@ TEST_P(Grid, IsUsedByKeysAlone) {
   EXPECT_TRUE(overview().waitUntilClosed());
 }
 
+TEST_P(Grid, AddsAndRemovesDesktopsAndClosesWindows) {
+  begin({{"tessaspaces.grid.columns", "3"}});
+  overview().resize(2, 3);
+  const xcb_window_t window = openWindow("to be closed", 0);
+  const auto count = [&](int wanted) { return comesTrue([&] { return probe().desktopCount() == wanted; }); };
+  overview().open();
+  clickAt(previewOf(window, 0), 2);
+  EXPECT_TRUE(comesTrue([&] {
+    session().client.answerCloseRequests();
+    return !probe().manages(window);
+  })) << "a middle click closes";
+
+  clickAt(overview().middle(4, 4));
+  EXPECT_TRUE(count(5)) << "the place for one more desktop was clicked";
+  EXPECT_FALSE(overview().panels().empty());
+  // The overview learns of it a moment later, and then it is the last of the tiles: empty, and so it can go.
+  EXPECT_TRUE(comesTrue([&] {
+    session().keyboard.strike(keys::end);
+    session().keyboard.strike(keys::remove);
+    const Deadline soon(Milliseconds(5'000));
+    while (probe().desktopCount() != 4 && !soon.passed()) std::this_thread::sleep_for(Milliseconds(20));
+    return probe().desktopCount() == 4;
+  }));
+  EXPECT_TRUE(count(4));
+  overview().close();
+}
+
 TEST_P(Grid, LetsNothingThrough) {
   begin();
   const xcb_window_t window = openWindow("below", 0);

@@ -37,6 +37,7 @@ inline constexpr std::uint32_t tab = 0xFF09;
 inline constexpr std::uint32_t backspace = 0xFF08;
 inline constexpr std::uint32_t remove = 0xFFFF;
 inline constexpr std::uint32_t insert = 0xFF63;
+inline constexpr std::uint32_t end = 0xFF57;
 inline constexpr std::uint32_t left = 0xFF51;
 inline constexpr std::uint32_t up = 0xFF52;
 inline constexpr std::uint32_t right = 0xFF53;

@@ -15,6 +15,9 @@ class Overview {
   /// that fills the screen. All tiles have the shape of the first of them.
   Overview(Session& session, int rows, int columns, std::vector<Rectangle> monitors = {});
 
+  /// The settings changed: so many rows and columns.
+  void resize(int rows, int columns) { rows_ = rows, columns_ = columns; }
+
   /// Option + shift + space, which opens and closes it; option + shift + G for its other view.
   static constexpr KeyCombo key{49, KeyCombo::option | KeyCombo::shift};
   static constexpr KeyCombo viewKey{5, KeyCombo::option | KeyCombo::shift};

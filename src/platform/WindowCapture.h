@@ -89,7 +89,6 @@ class WindowCapture {
   /// Of previews made from now on; a default PreviewLimits unless set. Windows on screen get a new preview in this
   /// size, hidden ones keep theirs.
   virtual void setLimits(const PreviewLimits& limits) = 0;
-  void setLongestSide(int pixels) { setLimits({1, pixels}); }
 
   /// The newest preview at hand, without asking the system: of a window on screen it may be out of date. It shows what
   /// WindowInfo::bounds encloses, decorations included (under i3, which tells nobody of its title bars, also these).

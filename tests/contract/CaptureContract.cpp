@@ -96,7 +96,7 @@ TEST_P(CaptureContract, PreviewsShowTheWholeWindowInTheWantedSize) {
   const auto bounds = info(window)->bounds.value();
   const double aspect = *bounds.width / *bounds.height;
   for (const int side : {100, 37, 2000, PreviewLimits().longestSide}) {
-    capture().setLongestSide(side);
+    capture().setLimits({1, side});
     const auto image = fresh(window);
     ASSERT_THAT(image, NotNull());
     const int longest = static_cast<int>(std::max(*bounds.width, *bounds.height));
@@ -149,7 +149,7 @@ TEST_P(CaptureContract, AHiddenWindowKeepsWhatItLastShowed) {
   EXPECT_TRUE(looksLike(window, third));
   show(2);
   EXPECT_EQ(quartersOf(fresh(window)), third);
-  capture().setLongestSide(50);
+  capture().setLimits({1, 50});
   EXPECT_EQ(quartersOf(fresh(window)), third) << "a hidden one stays as it is";
 }
 

@@ -88,7 +88,7 @@ TEST_P(X11CaptureTest, AHundredPreviewsTakeThreeAnswers) {
     return std::all_of(windows.begin(), windows.end(), [&](auto window) { return capture().preview(window); });
   })) << "each gets one soon, without being asked for";
   for (const int side : {200, 300, 400}) {
-    capture().setLongestSide(side);
+    capture().setLimits({1, side});
     const auto before = x11().roundTrips();
     const auto pictures = capture().previews(windows);
     EXPECT_LE(x11().roundTrips() - before, 3U);
